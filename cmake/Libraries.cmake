@@ -1,0 +1,18 @@
+# What is bought, each as one imported target. The plug-in links statically what Debian packs as
+# position-independent code; the rest is on every desktop.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+function(murmelon_static_library target archive)
+  find_library(${target}_ARCHIVE ${archive} REQUIRED)
+  add_library(${target} INTERFACE)
+  target_link_libraries(${target} INTERFACE ${${target}_ARCHIVE})
+endfunction()
+
+# The symbols of a static library stay inside: the host may carry its own copy with its own planner.
+murmelon_static_library(murmelon_fftw libfftw3f.a)
+murmelon_static_library(murmelon_zlib libz.a)
+
+add_library(murmelon_fmt INTERFACE)
+target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)

@@ -1,0 +1,102 @@
+// The voice engine: analyses a stereo signal frame by frame and resynthesises it from pulses and noise
+// through the predicted all-pole filter, at a reduced internal rate. The effect instance owns one and calls
+// `process` on the audio thread. It knows no host, no patch and no file: everything arrives with the block.
+#pragma once
+
+#include "engine/Feedbacks.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace Engine {
+
+// All normalised 0..1, as the host automates them.
+struct ParameterValues {
+    float sampleRate = 0.6666667f;
+    float sync = 0;
+    float frameRate = 0.9085603f;
+    float midi = 0;
+    float pitch = 0.5f;
+    float tracking = 0.5f;
+    float detune = 0;
+    float noiseAdjust = 0.5f;
+    float mix = 1;
+    float legacyMode = 0;
+};
+
+struct MidiEvent {
+    std::int32_t sampleOffset = 0; // from the start of the block; events are handled in the order given
+    std::uint8_t status = 0;
+    std::uint8_t data1 = 0;
+    std::uint8_t data2 = 0;
+};
+
+// How MIDI moves the pitch, from the instance's MIDI configuration.
+struct MidiSettings {
+    int bendRangeSemitones = 12;
+    bool bendHeldOnly = false;
+    float masterTuningHz = 440;
+};
+
+struct Transport {
+    double tempo = 120;                 // beats per minute
+    std::optional<double> songPosition; // quarter notes, at the start of the block
+};
+
+struct Block {
+    ParameterValues parameters;
+    Transport transport;
+    MidiSettings midiSettings;
+    std::span<const MidiEvent> midiEvents;
+    bool bypassed = false; // dry with the same delay; changes cross-fade
+};
+
+// What the frame analysis found last, for tools that draw or list it.
+struct FrameRecord {
+    std::uint64_t number = 0;     // frames analysed so far; 0: none yet
+    std::uint64_t hostSample = 0; // host samples processed when the frame was taken
+    bool silent = false;
+    float lag = 0;       // samples, before the tracker
+    float pitch = 0;     // octaves relative to C3, after the tracker
+    float unvoiced = 0;  // 0..1, before the tracker
+    float amplitude = 0; // of the residual
+    float pan = 0;
+    float width = 0;
+    std::span<const float>
+        coefficients; // out[0] = 1, out[1].. as the analysis yields them; valid until `process`
+};
+
+class VoiceEngine {
+public:
+    static constexpr double kInitialSampleRate = 44100;
+
+    // [main]
+    explicit VoiceEngine(Feedbacks& feedbacks);
+    ~VoiceEngine();
+    VoiceEngine(const VoiceEngine&) = delete;
+    VoiceEngine& operator=(const VoiceEngine&) = delete;
+
+    // [main, not while `process` runs] Builds the configurations of all rate steps and clears every history.
+    // Rates that make no sense (not finite, below 1 Hz) are refused with std::invalid_argument.
+    void setSampleRate(double hertz);
+
+    // [main, not while `process` runs] Clears every history, as after a pause.
+    void reset();
+
+    // [any] Delay of the dry path in host samples at the given value of `sampleRate`.
+    int latencySamples(float sampleRateParameter) const noexcept;
+
+    // [audio] Any block length, 0 included. `in` and `out` are two channels each and may be the same buffers.
+    void process(const float* const* in, float* const* out, int samples, const Block& block) noexcept;
+
+    // [audio]
+    FrameRecord lastFrame() const noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace Engine
