@@ -1,0 +1,19 @@
+// Writes files so that nobody ever sees half of one: beside the target, flushed, then renamed over it.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string_view>
+
+namespace Platform {
+
+// Replaces the file at `path` by `contents`. On failure throws std::runtime_error that says which file and
+// why; a file that was there is then as it was, and nothing is left beside it.
+void atomicFileWrite(const std::filesystem::path& path, std::string_view contents);
+
+// The same for writers that need a path of their own (sound and picture libraries): `write` is handed the
+// path of the temporary file, which keeps the target's extension, and reports failure by throwing.
+void atomicFileWrite(const std::filesystem::path& path,
+                     const std::function<void(const std::filesystem::path& temporary)>& write);
+
+} // namespace Platform

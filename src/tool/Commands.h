@@ -1,0 +1,11 @@
+// The commands of `murmelon`, one source file each. A command adds its subcommand and options to the program;
+// its callback does the work, prints results to standard output and throws what goes wrong (see Main.cpp).
+#pragma once
+
+#include <CLI/App.hpp>
+
+namespace Tool {
+
+void addParamsCommand(CLI::App& program);
+
+} // namespace Tool

@@ -1,0 +1,45 @@
+// Entry of the `murmelon` command. Exit 0: done. 1: it failed, and standard error says why in one line
+// "error: MESSAGE". 2: wrong usage.
+#include "tool/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+int run(int argc, char** argv) {
+    CLI::App program("Plays host to the Murmelon plug-in, and reads and writes all that goes with it.",
+                     "murmelon");
+    program.set_version_flag("--version", "murmelon " MURMELON_VERSION);
+    program.require_subcommand(1);
+
+    Tool::addParamsCommand(program);
+
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? 0 : kWrongUsage;
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const int status = run(argc, argv);
+        std::cout.flush();
+        return status;
+    } catch (const std::exception& error) {
+        std::cout.flush();
+        std::cerr << "error: " << error.what() << '\n';
+    } catch (...) {
+        std::cerr << "error: Unexpected error\n";
+    }
+    return kFailed;
+}

@@ -1,0 +1,68 @@
+#include "platform/AtomicFileWrite.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class AtomicFileWriteTest : public testing::Test {
+protected:
+    fs::path folder_ =
+        fs::temp_directory_path() / fs::path(testing::UnitTest::GetInstance()->current_test_info()->name());
+
+    void SetUp() override { fs::create_directory(folder_); }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    static std::string contentsOf(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::ptrdiff_t filesInFolder() const {
+        return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+    }
+};
+
+} // namespace
+
+TEST_F(AtomicFileWriteTest, replacesContentsAndKeepsPermissions) {
+    const auto path = folder_ / "patch.txt";
+    Platform::atomicFileWrite(path, std::string_view("one\0two", 7));
+    EXPECT_EQ(contentsOf(path), std::string("one\0two", 7));
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    Platform::atomicFileWrite(path, "three");
+    EXPECT_EQ(contentsOf(path), "three");
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(filesInFolder(), 1);
+}
+
+TEST_F(AtomicFileWriteTest, aFailingWriterHarmsNothingAndLeavesNothing) {
+    const auto path = folder_ / "sound.wav";
+    Platform::atomicFileWrite(path, "old");
+    EXPECT_THROW(Platform::atomicFileWrite(path,
+                                           [](const fs::path& temporary) {
+                                               EXPECT_EQ(temporary.extension(), ".wav");
+                                               std::ofstream(temporary) << "half";
+                                               throw std::runtime_error("disk full");
+                                           }),
+                 std::runtime_error);
+    EXPECT_EQ(contentsOf(path), "old");
+    EXPECT_EQ(filesInFolder(), 1);
+}
+
+TEST_F(AtomicFileWriteTest, saysWhichFileCouldNotBeWritten) {
+    const auto path = folder_ / "missing" / "file";
+    try {
+        Platform::atomicFileWrite(path, "text");
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(), "Could not write " + path.string() + ": No such file or directory");
+    }
+    // A folder stands where the file should go.
+    EXPECT_THROW(Platform::atomicFileWrite(folder_, "text"), std::runtime_error);
+}
