@@ -1,0 +1,125 @@
+#include "model/PatchController.h"
+
+#include "model/PatchRandomiser.h"
+#include "model/PatchText.h"
+#include "model/PathText.h"
+#include "model/Product.h"
+#include "notation/Writer.h"
+
+namespace Model {
+
+NoClipboardContent::NoClipboardContent() : std::runtime_error("No content on clipboard") {}
+
+void PatchController::initialise(const std::string& name) {
+    AtomicPatch patch;
+    patch.setName(name.empty() ? surroundings_.translate("Init Patch") : name);
+    install(patch, "Initialize Patch");
+}
+
+void PatchController::open(const std::filesystem::path& file) {
+    AtomicPatch patch = readPatch(surroundings_.readFile(file), toUtf8(file.filename()));
+    patch.setPath(file);
+    if (patch.name().empty()) {
+        patch.setName(toUtf8(file.stem()));
+    }
+    patch.markSaved();
+    install(patch, "Open Patch");
+}
+
+void PatchController::copy() {
+    surroundings_.setClipboardText(writePatch(current()));
+}
+
+void PatchController::paste() {
+    install(patchFromClipboard(), "Paste Patch");
+}
+
+void PatchController::exchange() {
+    const std::string before = writePatch(current());
+    const AtomicPatch patch = patchFromClipboard();
+    surroundings_.setClipboardText(before);
+    install(patch, "Exchange Patch");
+}
+
+void PatchController::randomise() {
+    AtomicPatch patch; // without a path: saving it must not propose the file of the patch that it replaces
+    PatchRandomiser().randomise(patch);
+    patch.markModified();
+    install(patch, "Randomize Patch");
+}
+
+void PatchController::save(const std::filesystem::path& file) {
+    const std::uint32_t stamp = current().changeStamp();
+    AtomicPatch saved = current();
+    saved.setPath(file);
+    saved.markSaved();
+    surroundings_.writeFile(file, Stackbrace::withFileLineEnds(writePatch(saved)));
+    current().setPath(file);
+    if (current().changeStamp() == stamp) {
+        current().markSaved(); // else automation has moved on while the file was written
+    }
+    surroundings_.currentPatchReplaced();
+}
+
+std::filesystem::path PatchController::proposedFile() const {
+    if (auto path = current().path(); !path.empty()) {
+        return path;
+    }
+    auto file = pathFromUtf8(surroundings_.translate("Untitled " + std::string(kProductName) + " Patch"));
+    return file += kPatchExtension;
+}
+
+void PatchController::changeParameter(int id, float value) {
+    if (Parameters::clampNormalised(value) == current().value(id)) {
+        return;
+    }
+    std::string description = surroundings_.translate("Change ^P");
+    if (const auto placeholder = description.find("^P"); placeholder != std::string::npos) {
+        const auto& record = Parameters::kTable[static_cast<std::size_t>(id)];
+        description.replace(placeholder, 2, surroundings_.translate(record.displayName));
+    }
+    history_.record(std::move(description), true, current(), programs_.current());
+    current().setValue(id, value);
+}
+
+void PatchController::rename(const std::string& name) {
+    if (name == current().name()) {
+        return;
+    }
+    history_.record(surroundings_.translate("Change Patch Name"), false, current(), programs_.current());
+    current().setName(name);
+    current().markModified();
+    surroundings_.currentPatchReplaced();
+}
+
+void PatchController::undo() {
+    goTo(history_.undo(current(), programs_.current()));
+}
+
+void PatchController::redo() {
+    goTo(history_.redo());
+}
+
+void PatchController::install(const Patch& patch, std::string_view description) {
+    history_.record(surroundings_.translate(description), false, current(), programs_.current());
+    current().assign(patch);
+    surroundings_.currentPatchReplaced();
+}
+
+void PatchController::goTo(const UndoHistory::Entry* entry) {
+    if (entry) {
+        programs_.select(entry->program);
+        current().assign(*entry->patch);
+        surroundings_.currentPatchReplaced();
+    }
+}
+
+AtomicPatch PatchController::patchFromClipboard() const {
+    std::string text = surroundings_.clipboardText();
+    if (text.empty()) {
+        throw NoClipboardContent();
+    }
+    return readPatch(std::move(text));
+}
+
+} // namespace Model
