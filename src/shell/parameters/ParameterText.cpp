@@ -82,6 +82,23 @@ struct LinearScale {
         return clampNormalised(asFloat(unscaled(number, range, minimum)));
     }
 
+    // Whether read() gives `value` for the text. Doubles tell, but where the number is next to the border
+    // between two floats.
+    bool readsAs(float value, const std::string& text) const {
+        constexpr double kDoubt = 1e-15; // three roundings of numbers that are small beside the scale's range
+        double number = 0;
+        std::from_chars(text.data(), text.data() + text.size(), number);
+        const double normalised = (number - minimum) / range;
+        const auto middle = static_cast<double>(value);
+        const double below = (middle + static_cast<double>(std::nextafter(value, -1.0f))) / 2;
+        const double above = (middle + static_cast<double>(std::nextafter(value, 2.0f))) / 2;
+        if (normalised > below + kDoubt && normalised < above - kDoubt) {
+            return true;
+        }
+        return normalised > below - kDoubt && normalised < above + kDoubt &&
+               read(*Decimal::parse(text)) == value;
+    }
+
     std::string write(float value, TextForm form) const {
         const double shown = minimum + static_cast<double>(value) * range;
         if (form == TextForm::display) {
@@ -89,7 +106,7 @@ struct LinearScale {
         }
         for (int decimals = kLinearDecimals; decimals <= kMostDoubleDecimals; ++decimals) {
             std::string text = fixed(shown, decimals);
-            if (read(*Decimal::parse(text)) == value) {
+            if (readsAs(value, text)) {
                 return text;
             }
         }
