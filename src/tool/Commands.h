@@ -6,6 +6,10 @@
 
 namespace Tool {
 
+void addBankCommand(CLI::App& program);
+void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
+void addPatchCommand(CLI::App& program);
+void addStackbraceCommand(CLI::App& program);
 
 } // namespace Tool

@@ -19,6 +19,10 @@ int run(int argc, char** argv) {
     program.require_subcommand(1);
 
     Tool::addParamsCommand(program);
+    Tool::addPatchCommand(program);
+    Tool::addBankCommand(program);
+    Tool::addMidiConfigCommand(program);
+    Tool::addStackbraceCommand(program);
 
     try {
         program.parse(argc, argv);

@@ -25,4 +25,8 @@ std::string readTextFile(const std::string& name) {
     return text;
 }
 
+std::string sourceName(const std::string& name) {
+    return name == "-" ? std::string() : name;
+}
+
 } // namespace Tool

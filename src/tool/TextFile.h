@@ -8,4 +8,7 @@ namespace Tool {
 // Throws std::runtime_error that names the file when it cannot be read.
 std::string readTextFile(const std::string& name);
 
+// What messages call the text: the file as it was given, nothing for standard input.
+std::string sourceName(const std::string& name);
+
 } // namespace Tool
