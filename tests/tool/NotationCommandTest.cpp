@@ -1,0 +1,84 @@
+// The commands that read texts: stackbrace, patch, midiconfig.
+#include "CommandRun.h"
+
+using NotationCommandTest = CommandRun::CommandTest;
+
+TEST_F(NotationCommandTest, stackbracePrintsWhatTheReaderFinds) {
+    struct Row {
+        std::string reading;
+        std::string input;
+        int status;
+        std::string output;
+        std::string errors = {};
+    };
+    const Row rows[] = {
+        {"list", "a  b, { c }\n\"d\"", 0, "{\"ok\":true,\"elements\":[\"a b\",\"{ c }\",\"\\\"d\\\"\"]}\n"},
+        {"list", "\xE9\t\x7F, \\", 0, "{\"ok\":true,\"elements\":[\"\\u00e9 \\u007f\",\"\\\\\"]}\n"},
+        {"list", "", 0, "{\"ok\":true,\"elements\":[]}\n"},
+        {"list", "{ a", 1, "{\"ok\":false,\"elements\":[\"a\"]}\n",
+         "error: Invalid Stackbrace at line 1 column 4 (offset 3)\n"},
+        {"struct", "b: 2; \"a\\x20\" = \"1\"\nb: 3", 0,
+         "{\"ok\":true,\"elements\":[[\"a \",\"\\\"1\\\"\"],[\"b\",\"2\"]]}\n"},
+        {"struct", "a: 1 }", 1, "{\"ok\":false,\"elements\":[[\"a\",\"1\"]]}\n",
+         "error: Invalid Stackbrace at line 1 column 6 (offset 5)\n"},
+        {"unquote", "\"\\x41\\u0042\\xe9\"\n", 0, "AB\xE9\n"},
+        {"unquote", "  plain", 0, "  plain\n"},
+        {"unquote", "\"\\u0100\"", 1, "", "error: Invalid Stackbrace at line 1 column 2 (offset 1)\n"},
+        {"quote", "\"\\\xE9\n", 0, "\"\\\"\\\\\\xe9\\n\"\n"},
+        {"integer", "0x1F\n", 0, "31\n"},
+        {"integer", "-99999999999", 0, "-2147483648\n"},
+        {"integer", "abc\r\n", 1, "", "error: Invalid number: abc\n"},
+        {"float", "0.1", 0, "0.1\n"},
+        {"double", "0.1000000000000000055 Hz", 0, "0.1\n"},
+        {"double", "x", 1, "", "error: Invalid number: x\n"},
+        {"bool", " true\n", 0, "true\n"},
+        {"bool", "a\nTrue", 1, "", "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n"},
+    };
+    for (const Row& row : rows) {
+        const auto result = run({"stackbrace", row.reading, "-"}, row.input);
+        EXPECT_EQ(result.status, row.status) << row.reading << " " << row.input;
+        EXPECT_EQ(result.output, row.output);
+        EXPECT_EQ(result.errors, row.errors);
+    }
+    EXPECT_EQ(run({"stackbrace", "list"}).status, 2);
+    EXPECT_EQ(run({"stackbrace"}).status, 2);
+    write("a file", "\n yes");
+    EXPECT_EQ(run({"stackbrace", "bool", "a file"}).errors,
+              "error: Invalid Stackbrace in a file at line 2 column 2 (offset 2)\n");
+    EXPECT_EQ(run({"stackbrace", "bool", "none"}).errors,
+              "error: Could not read none: No such file or directory\n");
+}
+
+TEST_F(NotationCommandTest, patchPrintsTheWritersLayout) {
+    const std::string text = run({"patch", "-"}, "MurmelonPatch={format=1;parameters={mix=50}}").output;
+    EXPECT_EQ(text, "MurmelonPatch: {\n"
+                    "\tformat: 1\n"
+                    "\tname: \"\"\n"
+                    "\tmodified: false\n"
+                    "\tparameters: {\n"
+                    "\t\tsampleRate: \"22 kHz\"\n"
+                    "\t\tsync: \"Off\"\n"
+                    "\t\tframeRate: \"59.99999596149694 Hz\"\n"
+                    "\t\tmidi: \"Off\"\n"
+                    "\t\tpitch: \"0.0000000 sm\"\n"
+                    "\t\ttracking: \"100.0000000%\"\n"
+                    "\t\tdetune: \"0.00000000000000 ct\"\n"
+                    "\t\tnoiseAdjust: \"0.0000000%\"\n"
+                    "\t\tmix: \"50.0000000%\"\n"
+                    "\t\tlegacyMode: \"Off\"\n"
+                    "\t}\n"
+                    "}\n");
+    EXPECT_EQ(run({"patch", "-"}, text).output, text);
+    const auto refused = run({"patch", "-"}, "MurmelonPatch: { format: 2 }");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors, "error: Patch format is too new\n");
+}
+
+TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
+    const auto defaults = run({"midiconfig", "-"}, "Other: 1");
+    EXPECT_EQ(defaults.status, 0); // what holds none changes nothing, but is spoken of
+    EXPECT_NE(defaults.errors, "");
+    EXPECT_EQ(run({"midiconfig", "-"}, defaults.output).output, defaults.output);
+    EXPECT_EQ(run({"midiconfig", "-"}, "MurmelonMidiConfig: { }").errors,
+              "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
+}
