@@ -4,7 +4,10 @@
 #pragma once
 
 #include "engine/Feedbacks.h"
+#include "engine/Midi.h"
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -24,20 +27,6 @@ struct ParameterValues {
     float noiseAdjust = 0.5f;
     float mix = 1;
     float legacyMode = 0;
-};
-
-struct MidiEvent {
-    std::int32_t sampleOffset = 0; // from the start of the block; events are handled in the order given
-    std::uint8_t status = 0;
-    std::uint8_t data1 = 0;
-    std::uint8_t data2 = 0;
-};
-
-// How MIDI moves the pitch, from the instance's MIDI configuration.
-struct MidiSettings {
-    int bendRangeSemitones = 12;
-    bool bendHeldOnly = false;
-    float masterTuningHz = 440;
 };
 
 struct Transport {
@@ -82,7 +71,7 @@ public:
     // Rates that make no sense (not finite, below 1 Hz) are refused with std::invalid_argument.
     void setSampleRate(double hertz);
 
-    // [main, not while `process` runs] Clears every history, as after a pause.
+    // [main, not while `process` runs] Clears every history and lets go of all notes, as after a pause.
     void reset();
 
     // [any] Delay of the dry path in host samples at the given value of `sampleRate`.
@@ -95,8 +84,13 @@ public:
     FrameRecord lastFrame() const noexcept;
 
 private:
-    struct State;
+    class State;
+
+    void prepare(double hertz, int step);
+
+    Feedbacks& feedbacks_;
     std::unique_ptr<State> state_;
+    std::array<std::atomic<int>, 4> latencies_{}; // one a rate step; written by the main thread
 };
 
 } // namespace Engine

@@ -1,0 +1,40 @@
+// The all-pole filter that the excitation is driven through: y[n] = x[n] + sum of c[k] y[n-k], k = 1..order-1,
+// for both channels. What it remembers of its output is clamped, what it puts out is not.
+#pragma once
+
+#include "engine/LinearPrediction.h"
+
+#include <array>
+#include <span>
+
+namespace Engine {
+
+class SynthesisFilter {
+public:
+    static constexpr int kMaxRun = 256; // samples a call
+
+    // Forgets the output so far, and the coefficients: what goes in comes out.
+    void clear() noexcept;
+
+    // c[0], which is 1, and the others of a new frame. The history stays.
+    void setCoefficients(std::span<const float> c) noexcept;
+
+    // `signal` holds up to kMaxRun pairs of left and right and is replaced by the output. An output sample does not depend on how the
+    // signal is cut into calls, to the last bit.
+    void process(float* signal, int count) noexcept;
+
+private:
+    bool processFour(float* signal, const float* history) const noexcept;
+    void processOne(float* signal, float* history) const noexcept;
+
+    static constexpr int kLanes = 4;
+    static constexpr int kTaps = kMaxOrder + 4; // with zeros behind the last, for vectors that reach beyond
+
+    // Each coefficient in four lanes.
+    alignas(16) std::array<float, kLanes * kTaps> c_{};
+    int taps_ = 0; // the highest k
+    // Pairs of left and right, straight: the newest kMaxOrder go to the front before each call.
+    alignas(16) std::array<float, 2 * (kTaps + kMaxRun)> history_{};
+};
+
+} // namespace Engine
