@@ -28,7 +28,8 @@ Autocorrelation::Autocorrelation(std::span<const RateConfiguration> configuratio
         plans_[i] = {length, FourierPlans::forLength(2 * length)};
         longest = std::max(longest, length);
     }
-    const auto padded = static_cast<std::size_t>(std::max(2 * longest, 8)); // the window writes four at a time
+    const auto padded =
+        static_cast<std::size_t>(std::max(2 * longest, 8)); // the window writes four at a time
     padded_ = AlignedFloats(padded);
     spectrum_ = AlignedFloats(padded + 4); // one bin more, and room for the vectors' last step
     lags_ = AlignedFloats(padded);

@@ -8,7 +8,7 @@ namespace Engine {
 
 namespace {
 
-constexpr float kVoiced = 0.5f;            // unvoiced amount below which a frame has a pitch to expect again
+constexpr float kVoiced = 0.5f;             // unvoiced amount below which a frame has a pitch to expect again
 constexpr float kQuietestAmplitude = 1e-8f; // what the volume shows for nothing: -160 dB
 
 int longestFrame(std::span<const RateConfiguration, kRateSteps> rates) {

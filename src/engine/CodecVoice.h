@@ -1,5 +1,6 @@
-// The path at the internal rate: frames are analysed as their clock says, and between them excitation, synthesis filter,
-// quantisation and output filter make the voice. It knows nothing of the host's rate and blocks.
+// The path at the internal rate: frames are analysed as their clock says, and between them excitation,
+// synthesis filter, quantisation and output filter make the voice. It knows nothing of the host's rate and
+// blocks.
 #pragma once
 
 #include "engine/Excitation.h"

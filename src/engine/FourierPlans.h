@@ -9,7 +9,8 @@ namespace Engine {
 
 class FourierPlans {
 public:
-    // [main] Transforms of `length` real values. Plans are made or found under the library's one planner lock.
+    // [main] Transforms of `length` real values. Plans are made or found under the library's one planner
+    // lock.
     static std::shared_ptr<const FourierPlans> forLength(int length);
 
     ~FourierPlans();

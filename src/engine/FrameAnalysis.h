@@ -15,8 +15,8 @@ struct FrameResult {
     bool silent = true; // too quiet: nothing of what follows was analysed
     FrameEnergies energies;
     float residualAmplitude = 0;
-    float lag = 0;         // samples
-    float unvoiced = 0;    // 0..1
+    float lag = 0;          // samples
+    float unvoiced = 0;     // 0..1
     bool newFilter = false; // false: the prediction is no use, and the filter before stays
     std::array<float, kMaxOrder> coefficients{};
 };
@@ -29,8 +29,8 @@ public:
     // [audio] The configuration, one of those given before, of the frames to come.
     void setStep(int step) noexcept;
 
-    // [audio] `stereo` holds the newest frameLength pairs of left and right, oldest first, and three more pairs of room.
-    // `expectedLag` is where the pitch was; 0: not known.
+    // [audio] `stereo` holds the newest frameLength pairs of left and right, oldest first, and three more
+    // pairs of room. `expectedLag` is where the pitch was; 0: not known.
     FrameResult analyse(const float* stereo, float expectedLag) noexcept;
 
 private:

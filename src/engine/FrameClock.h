@@ -1,5 +1,5 @@
-// Says at which internal sample a new frame is analysed: where the phase, in frames, rises from below 0 to 0 or
-// above. Half a frame lies between a cleared clock and its first frame.
+// Says at which internal sample a new frame is analysed: where the phase, in frames, rises from below 0 to 0
+// or above. Half a frame lies between a cleared clock and its first frame.
 #pragma once
 
 #include <cmath>
@@ -16,16 +16,16 @@ public:
         previous_ = -0.5f;
     }
 
-    // Follows the host's song position, given in frames. The phase of the previous sample stays what it was: a
-    // frame that the position corrects by a hair is then neither lost nor analysed twice, and a leap across the
-    // start of a frame analyses it.
+    // Follows the host's song position, given in frames. The phase of the previous sample stays what it was:
+    // a frame that the position corrects by a hair is then neither lost nor analysed twice, and a leap across
+    // the start of a frame analyses it.
     void follow(double frames) noexcept {
         phase_ = static_cast<float>(frames - std::floor(frames + 0.5));
         wrap();
     }
 
-    // Steps through internal samples until one of them begins a frame or `samples` are through. Returns how many
-    // it stepped; `frame` tells whether the last of them begins a frame.
+    // Steps through internal samples until one of them begins a frame or `samples` are through. Returns how
+    // many it stepped; `frame` tells whether the last of them begins a frame.
     int advance(float step, int samples, bool& frame) noexcept {
         for (int i = 0; i < samples; ++i) {
             phase_ += step;

@@ -4,7 +4,6 @@
 #include "engine/RateConfiguration.h"
 #include "engine/Simd.h"
 
-#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -13,28 +12,12 @@ namespace Engine {
 namespace {
 
 constexpr double kWindowScale = 1.9074796; // the window's mean square is 1
-constexpr float kNoiseFloor = 1e-5f;
-
-// One table a channel, left and right in turn: not even digital silence is a constant, or the same on both sides.
-constexpr std::array<float, 2 * kMaxFrameLength> makeNoiseFloor() {
-    const auto left = shuffledUniform<kMaxFrameLength>(0x6c656674);
-    const auto right = shuffledUniform<kMaxFrameLength>(0x72696768);
-    std::array<float, 2 * kMaxFrameLength> both{};
-    for (std::size_t i = 0; i < kMaxFrameLength; ++i) {
-        both[2 * i] = kNoiseFloor * left[i];
-        both[2 * i + 1] = kNoiseFloor * right[i];
-    }
-    return both;
-}
-
-alignas(16) constexpr auto kNoiseFloorTable = makeNoiseFloor();
-
 // output = input - low-pass, two pairs of left and right at a time.
 class PreEmphasis {
 public:
     explicit PreEmphasis(float coefficient) noexcept
-        : c_(splat(coefficient)), q_(splat(1 - coefficient)),
-          powers_{q_[0], q_[0], q_[0] * q_[0], q_[0] * q_[0]} {}
+        : c_(splat(coefficient)),
+          q_(splat(1 - coefficient)), powers_{q_[0], q_[0], q_[0] * q_[0], q_[0] * q_[0]} {}
 
     Float4 next(Float4 x) noexcept {
         const Float4 step = c_ * x;

@@ -12,7 +12,8 @@ public:
     // [main] Room for frames of up to `longest` samples and additions of up to `mostAdded`.
     InputHistory(int longest, int mostAdded)
         : longest_(longest), mostAdded_(mostAdded),
-          pairs_(2 * static_cast<std::size_t>(longest + std::max(kStretch, mostAdded) + kRoom)), end_(longest) {}
+          pairs_(2 * static_cast<std::size_t>(longest + std::max(kStretch, mostAdded) + kRoom)),
+          end_(longest) {}
 
     void clear() noexcept {
         pairs_.clear();

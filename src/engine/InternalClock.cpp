@@ -18,7 +18,8 @@ int InternalClock::advance(const RateConfiguration& rate, int samples) noexcept 
     return static_cast<int>(tick - ticks_.data());
 }
 
-void InternalClock::sampleInput(const float* left, const float* right, int ticks, float* pairs) const noexcept {
+void InternalClock::sampleInput(const float* left, const float* right, int ticks,
+                                float* pairs) const noexcept {
     for (int i = 0; i < ticks; ++i) {
         const auto [position, fraction] = ticks_[static_cast<std::size_t>(i)];
         const float* const l = left + position;
@@ -29,8 +30,8 @@ void InternalClock::sampleInput(const float* left, const float* right, int ticks
 }
 
 // Each internal output holds until the next. The host sample that a tick falls into holds the new one for the
-// fraction since the tick and the old one before: so a tick that moves by a hair moves the output by a hair. The
-// other way round, the steps would jitter by up to a sample, which is 12 to 27 dB more noise than this.
+// fraction since the tick and the old one before: so a tick that moves by a hair moves the output by a hair.
+// The other way round, the steps would jitter by up to a sample, which is 12 to 27 dB more noise than this.
 void InternalClock::holdOutput(const float* pairs, int ticks, int samples, float* out) noexcept {
     Float4 held = loadPair(held_.data());
     int at = 0;

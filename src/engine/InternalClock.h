@@ -1,5 +1,5 @@
-// The fractional clock that steps the internal rate along the host's samples, and the way from one rate to the
-// other and back.
+// The fractional clock that steps the internal rate along the host's samples, and the way from one rate to
+// the other and back.
 #pragma once
 
 #include "engine/RateConfiguration.h"
@@ -22,8 +22,8 @@ public:
     // The host sample that reached a tick.
     int position(int tick) const noexcept { return ticks_[static_cast<std::size_t>(tick)].position; }
 
-    // The input at the `ticks` ticks found last, as pairs, from the run of each channel. One sample before each
-    // run is read, the last of the run before.
+    // The input at the `ticks` ticks found last, as pairs, from the run of each channel. One sample before
+    // each run is read, the last of the run before.
     void sampleInput(const float* left, const float* right, int ticks, float* pairs) const noexcept;
 
     // Spreads the internal output of these ticks over `samples` host samples, pairs both.
@@ -35,7 +35,8 @@ private:
         float fraction; // how far the tick lies before its host sample, in host samples, 0..1
     };
 
-    // The first tick comes a whole period after the start: at equal rates every tick falls on its host sample.
+    // The first tick comes a whole period after the start: at equal rates every tick falls on its host
+    // sample.
     float countdown_ = 1; // internal samples until the next tick
     std::array<Tick, kMaxRun> ticks_{};
     std::array<float, 2> held_{};

@@ -17,15 +17,17 @@ struct LinearPrediction {
     double largestReflection = 0; // below 1 the inverse filter is stable
 };
 
-// Levinson-Durbin over order - 1 reflection coefficients, so that the `order` coefficients are one whole filter.
-// `r` holds at least `order` lags. Next to nothing in r[0] gives no prediction and the error 0.
+// Levinson-Durbin over order - 1 reflection coefficients, so that the `order` coefficients are one whole
+// filter. `r` holds at least `order` lags. Next to nothing in r[0] gives no prediction and the error 0.
 LinearPrediction predict(std::span<const float> r, int order) noexcept;
 
 // Whether a filter made of this prediction would be stable, by a margin, and of something that sounds.
 bool isUsable(const LinearPrediction& prediction) noexcept;
 
 // The coefficients out[0] = 1, out[k] = -(g^k) a[k] of y[n] = x[n] + sum of out[k] y[n-k]. The resonances are
-// widened by g = base^(1/order), and this is the one place where the sign turns from error filter to synthesis.
-void synthesisCoefficients(const LinearPrediction& prediction, float expansionBase, std::span<float> out) noexcept;
+// widened by g = base^(1/order), and this is the one place where the sign turns from error filter to
+// synthesis.
+void synthesisCoefficients(const LinearPrediction& prediction, float expansionBase,
+                           std::span<float> out) noexcept;
 
 } // namespace Engine

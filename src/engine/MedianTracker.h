@@ -1,5 +1,5 @@
-// A running median over the last few values of a measurement, so that one that is off does not show. While the
-// ring fills it is the median of what has come; of an even number of values, the upper of the middle two.
+// A running median over the last few values of a measurement, so that one that is off does not show. While
+// the ring fills it is the median of what has come; of an even number of values, the upper of the middle two.
 #pragma once
 
 #include <algorithm>

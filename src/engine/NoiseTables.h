@@ -1,6 +1,8 @@
 // The fixed noise that the engine draws from: no two runs differ.
 #pragma once
 
+#include "engine/RateConfiguration.h"
+
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -9,9 +11,8 @@
 
 namespace Engine {
 
-// Evenly spread over -1..1 without its ends, shuffled: exactly uniform, of zero mean, and of the root mean square
-// 1/sqrt(3) to a part in a million. `Step` separates values of the same rank: with 2, ranks of two tables
-// interleave.
+// Evenly spread over -1..1 without its ends, shuffled: exactly uniform, of zero mean, and of the root mean
+// square 1/sqrt(3) to a part in a million.
 template <std::size_t Size>
 constexpr std::array<float, Size> shuffledUniform(std::uint32_t seed) {
     std::array<float, Size> table{};
@@ -27,6 +28,22 @@ constexpr std::array<float, Size> shuffledUniform(std::uint32_t seed) {
 
 inline constexpr std::size_t kNoiseTableBits = 10;
 inline constexpr auto kNoiseTable = shuffledUniform<std::size_t{1} << kNoiseTableBits>(0x6d75726d);
+
+// What is added to each sample of a frame, left and right in turn: not even digital silence is a constant, or
+// the same on both sides.
+template <std::size_t Length>
+constexpr std::array<float, 2 * Length> makeNoiseFloor(float level) {
+    const auto left = shuffledUniform<Length>(0x6c656674);
+    const auto right = shuffledUniform<Length>(0x72696768);
+    std::array<float, 2 * Length> both{};
+    for (std::size_t i = 0; i < Length; ++i) {
+        both[2 * i] = level * left[i];
+        both[2 * i + 1] = level * right[i];
+    }
+    return both;
+}
+
+alignas(16) inline constexpr auto kNoiseFloorTable = makeNoiseFloor<kMaxFrameLength>(1e-5f);
 
 // Draws from the table in an order that does not repeat for long.
 class NoiseGenerator {

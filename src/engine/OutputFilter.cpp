@@ -8,8 +8,8 @@ namespace Engine {
 
 namespace {
 
-constexpr float kStateLimit = 10;        // whatever comes in, the states cannot run away
-constexpr double kHighestCorner = 0.45;  // of the rate
+constexpr float kStateLimit = 10;       // whatever comes in, the states cannot run away
+constexpr double kHighestCorner = 0.45; // of the rate
 
 } // namespace
 

@@ -8,7 +8,8 @@ public:
     // [main]
     explicit OutputMix(double hostRate) noexcept;
 
-    // [audio] The next block has `samples` samples and ends at these targets. The first block starts there, too.
+    // [audio] The next block has `samples` samples and ends at these targets. The first block starts there,
+    // too.
     void beginBlock(float mix, bool bypassed, int samples) noexcept;
     void endBlock() noexcept;
 

@@ -7,8 +7,8 @@ namespace Engine {
 
 namespace {
 
-constexpr float kDeadBand = 0.001f;       // moves this small are over at once
-constexpr float kJumpSlope = 4.016064f;   // 1 / 0.249: so far beyond the dead band, one block takes it all
+constexpr float kDeadBand = 0.001f;     // moves this small are over at once
+constexpr float kJumpSlope = 4.016064f; // 1 / 0.249: so far beyond the dead band, one block takes it all
 
 } // namespace
 

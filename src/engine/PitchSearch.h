@@ -10,7 +10,8 @@ struct PitchEstimate {
     float peak = 0; // height of the best peak, without the favour of the expected lag; 0: there is none
 };
 
-// Searches the lags from `lowestLag` to two before the end of `c`. `expectedLag` favours peaks near it; 0: none.
+// Searches the lags from `lowestLag` to two before the end of `c`. `expectedLag` favours peaks near it; 0:
+// none.
 PitchEstimate searchPitch(std::span<const float> c, int lowestLag, float expectedLag) noexcept;
 
 // 0 voiced .. 1 unvoiced, from the height of the peak and the energy r[0].

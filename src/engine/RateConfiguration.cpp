@@ -30,7 +30,8 @@ constexpr double kC3Hz = 261.62558;
 constexpr float kOrderPerHertz = 0.0012708333f;
 constexpr int kHighestPitchHz = 1000;
 constexpr int kLowestPitchHz = 30;
-constexpr double kWindowPeakFromEnd = 0.29289323; // 1 - 1/sqrt(2): the window sin^2(pi t^2) peaks at 1/sqrt(2)
+constexpr double kWindowPeakFromEnd =
+    0.29289323; // 1 - 1/sqrt(2): the window sin^2(pi t^2) peaks at 1/sqrt(2)
 
 int internalRate(int rowRate, int hostRate) {
     if (rowRate == 0) {
@@ -89,8 +90,7 @@ RateConfiguration makeRateConfiguration(int step, double hostRate) {
     c.pitchReference = static_cast<float>(kC3Hz / rate);
     c.noiseScale = row.noiseScale;
     c.outputFilter = OutputFilter::highPass(row.outputFilterHz, rate);
-    c.latency =
-        static_cast<int>(std::floor(c.frameLength * kWindowPeakFromEnd * hostRate / rate + 0.5)) + 1;
+    c.latency = static_cast<int>(std::floor(c.frameLength * kWindowPeakFromEnd * hostRate / rate + 0.5)) + 1;
     c.bandLimitedPulse = step == 3;
     c.coarse = step == 0;
     return c;

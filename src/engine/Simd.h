@@ -1,5 +1,5 @@
-// Four floats at a time for the engine's kernels, on the compilers' own vector type: SSE2 on every x86-64, and
-// whatever the target has elsewhere. Only what arithmetic operators cannot say stands here.
+// Four floats at a time for the engine's kernels, on the compilers' own vector type: SSE2 on every x86-64,
+// and whatever the target has elsewhere. Only what arithmetic operators cannot say stands here.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The all-pole filter that the excitation is driven through: y[n] = x[n] + sum of c[k] y[n-k], k = 1..order-1,
-// for both channels. What it remembers of its output is clamped, what it puts out is not.
+// The all-pole filter that the excitation is driven through: y[n] = x[n] + sum of c[k] y[n-k], k
+// = 1..order-1, for both channels. What it remembers of its output is clamped, what it puts out is not.
 #pragma once
 
 #include "engine/LinearPrediction.h"
@@ -19,8 +19,8 @@ public:
     // c[0], which is 1, and the others of a new frame. The history stays.
     void setCoefficients(std::span<const float> c) noexcept;
 
-    // `signal` holds up to kMaxRun pairs of left and right and is replaced by the output. An output sample does not depend on how the
-    // signal is cut into calls, to the last bit.
+    // `signal` holds up to kMaxRun pairs of left and right and is replaced by the output. An output sample
+    // does not depend on how the signal is cut into calls, to the last bit.
     void process(float* signal, int count) noexcept;
 
 private:

@@ -31,8 +31,8 @@ constexpr float kTempoPerWholeNoteRate = 240; // beats a minute at which a whole
 
 ParameterValues clampNormalised(const ParameterValues& v) noexcept {
     using Parameters::clampNormalised;
-    return {clampNormalised(v.sampleRate), clampNormalised(v.sync),   clampNormalised(v.frameRate),
-            clampNormalised(v.midi),       clampNormalised(v.pitch),  clampNormalised(v.tracking),
+    return {clampNormalised(v.sampleRate), clampNormalised(v.sync),        clampNormalised(v.frameRate),
+            clampNormalised(v.midi),       clampNormalised(v.pitch),       clampNormalised(v.tracking),
             clampNormalised(v.detune),     clampNormalised(v.noiseAdjust), clampNormalised(v.mix),
             clampNormalised(v.legacyMode)};
 }
@@ -289,7 +289,8 @@ int VoiceEngine::latencySamples(float sampleRateParameter) const noexcept {
     return latencies_[step].load(std::memory_order_relaxed);
 }
 
-void VoiceEngine::process(const float* const* in, float* const* out, int samples, const Block& block) noexcept {
+void VoiceEngine::process(const float* const* in, float* const* out, int samples,
+                          const Block& block) noexcept {
     state_->process(in, out, samples, block);
 }
 
