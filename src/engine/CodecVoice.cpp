@@ -15,11 +15,13 @@ int longestFrame(std::span<const RateConfiguration, kRateSteps> rates) {
     return std::ranges::max(rates, {}, &RateConfiguration::frameLength).frameLength;
 }
 
-// To steps of 1/512 within -1/2..1/2. The trace of the input keeps the output filter busy in silence.
+// To steps of 1/512 within -1/2..1/2. The trace of the input keeps the output filter busy in silence. `signal`
+// has room for whole vectors.
 void quantise(float* signal, int count) noexcept {
-    for (float* y = signal; y != signal + 2 * count; ++y) {
-        const float steps = std::clamp(512 * *y + 0.5f, -256.0f, 256.0f);
-        *y = std::floor(steps) * 0.001953125f + 1e-8f * *y;
+    for (float* four = signal; four < signal + 2 * count; four += 4) {
+        const Float4 y = load(four);
+        const Float4 steps = clamped(splat(512) * y + splat(0.5f), 256);
+        store(four, floored(steps) * splat(0.001953125f) + splat(1e-8f) * y);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "engine/LinearPrediction.h"
 
+#include "engine/Simd.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,6 +13,38 @@ constexpr float kLeastEnergy = 1e-5f;
 constexpr double kLeastError = 1e-5;
 constexpr double kLargestReflection = 0.9999;
 
+using Coefficients = std::array<double, kMaxOrder>;
+
+// The sum of a[j] r[i - j], j = 0..i-1, where r[i - j] is backward[kMaxOrder - 1 - i + j].
+double correlate(const Coefficients& a, const Coefficients& backward, std::size_t i) noexcept {
+    const double* const r = backward.data() + kMaxOrder - 1 - i;
+    Double2 sums{};
+    std::size_t j = 0;
+    for (; j + 2 <= i; j += 2) {
+        sums += load(&a[j]) * load(r + j);
+    }
+    const double rest = j < i ? a[j] * r[j] : 0;
+    return sums[0] + sums[1] + rest;
+}
+
+// a[j] += k a[i - j] for j = 1..i-1, from both ends towards the middle.
+void reflect(Coefficients& a, double k, std::size_t i) noexcept {
+    std::size_t front = 1;
+    std::size_t back = i - 1;
+    for (; front + 3 <= back; front += 2, back -= 2) {
+        const Double2 lower = load(&a[front]);
+        const Double2 upper = load(&a[back - 1]);
+        store(&a[front], lower + k * __builtin_shufflevector(upper, upper, 1, 0));
+        store(&a[back - 1], upper + k * __builtin_shufflevector(lower, lower, 1, 0));
+    }
+    for (; front <= back; ++front, --back) {
+        const double lower = a[front];
+        const double upper = a[back];
+        a[front] = lower + k * upper;
+        a[back] = upper + k * lower;
+    }
+}
+
 } // namespace
 
 LinearPrediction predict(std::span<const float> r, int order) noexcept {
@@ -19,21 +53,15 @@ LinearPrediction predict(std::span<const float> r, int order) noexcept {
         return p;
     }
     auto& a = p.a;
-    double error = static_cast<double>(r[0]);
-    for (int i = 1; i < order; ++i) {
-        const auto last = static_cast<std::size_t>(i);
-        double acc = static_cast<double>(r[last]);
-        for (std::size_t j = 1; j < last; ++j) {
-            acc += a[j] * static_cast<double>(r[last - j]);
-        }
-        const double k = -acc / error;
-        for (std::size_t j = 1; j <= last / 2; ++j) {
-            const double front = a[j];
-            const double back = a[last - j];
-            a[j] = front + k * back;
-            a[last - j] = back + k * front;
-        }
-        a[last] = k;
+    Coefficients backward{}; // r from its last lag to its first, so that sums run forward
+    for (std::size_t i = 0; i < static_cast<std::size_t>(order); ++i) {
+        backward[kMaxOrder - 1 - i] = static_cast<double>(r[i]);
+    }
+    double error = backward[kMaxOrder - 1];
+    for (std::size_t i = 1; i < static_cast<std::size_t>(order); ++i) {
+        const double k = -correlate(a, backward, i) / error;
+        reflect(a, k, i);
+        a[i] = k;
         error *= 1 - k * k;
         p.largestReflection = std::max(p.largestReflection, std::fabs(k));
         if (!(error > 0)) {

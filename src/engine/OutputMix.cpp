@@ -60,21 +60,27 @@ bool OutputMix::needsDry() const noexcept {
     return !dry_.isZero() || bypassing();
 }
 
-void OutputMix::mixFour(const Signals& signals, int i, Four& out) const noexcept {
+void OutputMix::fadeFour(const Signals& signals, Float4 gain, int i, Four& out) noexcept {
     const Float4 early = load(signals.wet + 2 * i);
     const Float4 late = load(signals.wet + 2 * i + 4);
-    const Float4 wetGain = lineAt(wet_.value, wet_.step, position_ + i);
-    out.left = wetGain * __builtin_shufflevector(early, late, 0, 2, 4, 6);
-    out.right = wetGain * __builtin_shufflevector(early, late, 1, 3, 5, 7);
+    out.left = gain * __builtin_shufflevector(early, late, 0, 2, 4, 6);
+    out.right = gain * __builtin_shufflevector(early, late, 1, 3, 5, 7);
+}
+
+void OutputMix::mixFour(const Signals& signals, int i, Four& out) const noexcept {
+    fadeFour(signals, lineAt(wet_.value, wet_.step, position_ + i), i, out);
     if (!dry_.isZero()) {
-        const Float4 dryGain = lineAt(dry_.value, dry_.step, position_ + i);
+        const Float4 gain = lineAt(dry_.value, dry_.step, position_ + i);
         Float4 left = load(signals.dry[0] + i);
         Float4 right = load(signals.dry[1] + i);
         if (signals.monoDry) {
             left = right = (left + right) * splat(0.5f);
         }
-        out.left += dryGain * left;
-        out.right += dryGain * right;
+        out.left += gain * left;
+        out.right += gain * right;
+    }
+    if (bypassing()) {
+        blendBypass(signals, i, out);
     }
 }
 
@@ -88,11 +94,13 @@ void OutputMix::blendBypass(const Signals& signals, int i, Four& out) const noex
 void OutputMix::process(const Signals& signals, float* const* out, int offset, int count) noexcept {
     float* const left = out[0] + offset;
     float* const right = out[1] + offset;
+    const bool plain = !needsDry() && wet_.step == 0;
     for (int i = 0; i < count; i += 4) {
         Four four;
-        mixFour(signals, i, four);
-        if (bypassing()) {
-            blendBypass(signals, i, four);
+        if (plain) {
+            fadeFour(signals, splat(wet_.value), i, four);
+        } else {
+            mixFour(signals, i, four);
         }
         if (i + 4 <= count) {
             store(left + i, four.left);

@@ -12,6 +12,7 @@
 namespace Engine {
 
 using Float4 = float __attribute__((vector_size(16)));
+using Double2 = double __attribute__((vector_size(16)));
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 
 inline Float4 load(const float* p) noexcept {
@@ -44,6 +45,16 @@ inline Float4 loadPair(const float* p) noexcept {
 
 inline void storePair(float* p, Float4 v) noexcept {
     std::memcpy(p, &v, 2 * sizeof(float));
+}
+
+inline Double2 load(const double* p) noexcept {
+    Double2 v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+inline void store(double* p, Double2 v) noexcept {
+    std::memcpy(p, &v, sizeof v);
 }
 
 inline Float4 splat(float x) noexcept {
@@ -101,6 +112,12 @@ inline Float4 rounded(Float4 v) noexcept {
     return Float4{__builtin_nearbyintf(v[0]), __builtin_nearbyintf(v[1]), __builtin_nearbyintf(v[2]),
                   __builtin_nearbyintf(v[3])};
 #endif
+}
+
+// Rounded down, for magnitudes below 2^31.
+inline Float4 floored(Float4 v) noexcept {
+    const Float4 nearest = rounded(v);
+    return nearest - keep(nearest > v, splat(1));
 }
 
 inline float sumOfLanes(Float4 v) noexcept {

@@ -14,69 +14,92 @@ constexpr float kHistoryLimit = 100;
 
 void SynthesisFilter::clear() noexcept {
     c_ = {};
-    taps_ = 0;
+    last_ = 0;
+    vectorLast_ = 1;
     history_ = {};
 }
 
 void SynthesisFilter::setCoefficients(std::span<const float> c) noexcept {
-    taps_ = static_cast<int>(c.size()) - 1;
+    last_ = static_cast<int>(c.size()) - 1;
+    vectorLast_ = (std::max(last_, 1) + kUnroll - 2) / kUnroll * kUnroll + 1;
     for (std::size_t k = 1; k < static_cast<std::size_t>(kTaps); ++k) {
         store(&c_[kLanes * k], splat(k < c.size() ? c[k] : 0));
     }
 }
 
 void SynthesisFilter::process(float* signal, int count) noexcept {
-    float* const start = history_.data() + 2 * kTaps;
-    float* now = start;
+    float* now = history_.data() + 2 * kTaps;
     int left = count;
-    for (; left >= 4; left -= 4, now += 8, signal += 8) {
-        // Four at once as long as nothing is clamped; else the four again, one after the other.
-        float attempt[8];
-        std::copy_n(signal, 8, attempt);
-        if (processFour(attempt, now)) {
-            std::copy_n(attempt, 8, now);
-            std::copy_n(attempt, 8, signal);
+    const auto advance = [&](int samples) {
+        now += 2 * samples;
+        signal += 2 * samples;
+        left -= samples;
+    };
+    while (left > 0) {
+        if (left >= 8 && processVectors<4>(signal, now)) {
+            advance(8);
+        } else if (left >= 2 && processVectors<1>(signal, now)) {
+            advance(2);
         } else {
-            for (int i = 0; i < 8; i += 2) {
-                processOne(signal + i, now + i);
-            }
+            processOne(signal, now);
+            advance(1);
         }
-    }
-    for (; left > 0; --left, now += 2, signal += 2) {
-        processOne(signal, now);
     }
     std::copy(now - 2 * kTaps, now, history_.data());
 }
 
-// The sum runs from the oldest sample to the newest, so that four samples at once and one alone round alike.
-bool SynthesisFilter::processFour(float* signal, const float* history) const noexcept {
-    const float* c = c_.data();
-    Float4 early = load(signal);    // samples 0 and 1
-    Float4 late = load(signal + 4); // samples 2 and 3
-    // What lies before the four: from the last tap to k = 2 for the early two and to k = 4 for the late two.
-    for (int k = taps_; k >= 2; --k) {
-        const Float4 past = load(history - 2 * k);
-        early += past * loadAligned(c + kLanes * k);
-        late += past * loadAligned(c + kLanes * (k + 2));
+// 2 * Pairs samples at once. Each sum runs from the oldest sample to the newest, so that a sample rounds the same
+// whatever is computed beside it. Gives up, with nothing written, where an output would be clamped.
+template <int Pairs>
+bool SynthesisFilter::processVectors(float* signal, float* history) const noexcept {
+    constexpr auto kPairs = static_cast<std::size_t>(Pairs);
+    const float* const c = c_.data();
+    const auto tap = [c](std::size_t k) { return loadAligned(c + kLanes * k); };
+    Float4 y[kPairs]; // y[j]: samples 2 j and 2 j + 1
+    for (std::size_t j = 0; j < kPairs; ++j) {
+        y[j] = load(signal + 4 * j);
     }
-    const Float4 zero{};
-    const Float4 c1 = loadAligned(c + kLanes);
-    const Float4 before = loadPair(history - 2);
-    early += before * c1;
-    early += __builtin_shufflevector(zero, early, 0, 1, 4, 5) * c1;
-    late += __builtin_shufflevector(before, early, 0, 1, 4, 5) * loadAligned(c + 3 * kLanes);
-    late += early * loadAligned(c + 2 * kLanes);
-    late += __builtin_shufflevector(early, zero, 2, 3, 4, 5) * c1;
-    late += __builtin_shufflevector(zero, late, 0, 1, 4, 5) * c1;
-    store(signal, early);
-    store(signal + 4, late);
-    const Float4 limit = splat(kHistoryLimit);
-    return laneBits((magnitude(early) <= limit) & (magnitude(late) <= limit)) == 0xf;
+    // What lies wholly in the past: for y[j], the taps down to 2 j + 2.
+    const float* past = history - 2 * vectorLast_;
+    const float* coefficient = c + kLanes * vectorLast_;
+    for (; coefficient > c + kLanes; coefficient -= kLanes * kUnroll, past += 2 * kUnroll) {
+        for (int i = 0; i < kUnroll; ++i) {
+            const Float4 two = load(past + 2 * i);
+            for (std::size_t j = 0; j < kPairs; ++j) {
+                y[j] += two * loadAligned(coefficient - kLanes * i + 2 * kLanes * j);
+            }
+        }
+    }
+    // The taps below, which meet the samples made here. odd[j]: samples 2 j - 1 and 2 j.
+    Float4 odd[kPairs];
+    Float4 before = loadPair(history - 2);
+    for (std::size_t j = 0; j < kPairs; ++j) {
+        for (std::size_t m = 0; m < j; ++m) {
+            y[j] += odd[m] * tap(2 * (j - m) + 1);
+            y[j] += y[m] * tap(2 * (j - m));
+        }
+        y[j] += before * tap(1);
+        y[j] += __builtin_shufflevector(Float4{}, y[j], 0, 1, 4, 5) * tap(1);
+        odd[j] = __builtin_shufflevector(before, y[j], 0, 1, 4, 5);
+        before = __builtin_shufflevector(y[j], Float4{}, 2, 3, 4, 5);
+    }
+    Int4 within = Int4{} - 1;
+    for (std::size_t j = 0; j < kPairs; ++j) {
+        within &= magnitude(y[j]) <= splat(kHistoryLimit);
+    }
+    if (laneBits(within) != 0xf) {
+        return false;
+    }
+    for (std::size_t j = 0; j < kPairs; ++j) {
+        store(signal + 4 * j, y[j]);
+        store(history + 4 * j, y[j]);
+    }
+    return true;
 }
 
 void SynthesisFilter::processOne(float* signal, float* history) const noexcept {
     Float4 y = loadPair(signal);
-    for (int k = taps_; k >= 1; --k) {
+    for (int k = last_; k >= 1; --k) {
         y += loadPair(history - 2 * k) * loadAligned(c_.data() + kLanes * k);
     }
     storePair(signal, y);

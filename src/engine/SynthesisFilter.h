@@ -24,16 +24,19 @@ public:
     void process(float* signal, int count) noexcept;
 
 private:
-    bool processFour(float* signal, const float* history) const noexcept;
+    template <int Pairs>
+    bool processVectors(float* signal, float* history) const noexcept;
     void processOne(float* signal, float* history) const noexcept;
 
     static constexpr int kLanes = 4;
-    static constexpr int kTaps = kMaxOrder + 4; // with zeros behind the last, for vectors that reach beyond
+    static constexpr int kUnroll = 4;
+    static constexpr int kTaps = kMaxOrder + 12; // with zeros behind the last, for vectors that reach beyond
 
     // Each coefficient in four lanes.
     alignas(16) std::array<float, kLanes * kTaps> c_{};
-    int taps_ = 0; // the highest k
-    // Pairs of left and right, straight: the newest kMaxOrder go to the front before each call.
+    int last_ = 0;        // the highest k that counts
+    int vectorLast_ = 1;  // the same rounded up, 1 more than a multiple of kUnroll
+    // Pairs of left and right, straight: the newest kTaps go to the front behind each call.
     alignas(16) std::array<float, 2 * (kTaps + kMaxRun)> history_{};
 };
 

@@ -155,7 +155,7 @@ void VoiceEngine::State::setStep(int step) noexcept {
     }
     step_ = step;
     voice_.setStep(step);
-    clock_.clearOutput();
+    clock_.clear();
 }
 
 void VoiceEngine::State::glideParameters(const ParameterValues& p, int samples) noexcept {

@@ -77,6 +77,7 @@ ReferenceEngine::Rate ReferenceEngine::rateFor(int step, double fs) {
 }
 
 void ReferenceEngine::clear() {
+    countdown_ = 1;
     ring_.assign(static_cast<std::size_t>(c_.length), Pair{});
     phase_ = previousPhase_ = -0.5f;
     lastLags_.clear();
