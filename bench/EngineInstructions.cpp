@@ -1,5 +1,5 @@
-// Plays speech through the whole effect, for callgrind to count: 48 kHz, stereo, blocks of 512, 80 frames a second, mix 1.
-// Prints how many samples went through `process`. See docs/performance.md.
+// Plays speech through the whole effect, for callgrind to count: 48 kHz, stereo, blocks of 512, 80 frames a
+// second, mix 1. Prints how many samples went through `process`. See docs/performance.md.
 #include "engine/VoiceEngine.h"
 
 #include <sndfile.h>

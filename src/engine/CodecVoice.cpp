@@ -15,8 +15,8 @@ int longestFrame(std::span<const RateConfiguration, kRateSteps> rates) {
     return std::ranges::max(rates, {}, &RateConfiguration::frameLength).frameLength;
 }
 
-// To steps of 1/512 within -1/2..1/2. The trace of the input keeps the output filter busy in silence. `signal`
-// has room for whole vectors.
+// To steps of 1/512 within -1/2..1/2. The trace of the input keeps the output filter busy in silence.
+// `signal` has room for whole vectors.
 void quantise(float* signal, int count) noexcept {
     for (float* four = signal; four < signal + 2 * count; four += 4) {
         const Float4 y = load(four);

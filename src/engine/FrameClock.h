@@ -20,31 +20,33 @@ public:
     // a frame that the position corrects by a hair is then neither lost nor analysed twice, and a leap across
     // the start of a frame analyses it.
     void follow(double frames) noexcept {
-        phase_ = static_cast<float>(frames - std::floor(frames + 0.5));
-        wrap();
+        phase_ = wrapped(static_cast<float>(frames - std::floor(frames + 0.5)));
     }
 
     // Steps through internal samples until one of them begins a frame or `samples` are through. Returns how
     // many it stepped; `frame` tells whether the last of them begins a frame.
     int advance(float step, int samples, bool& frame) noexcept {
-        for (int i = 0; i < samples; ++i) {
-            phase_ += step;
-            wrap();
-            frame = previous_ < 0 && phase_ >= 0;
-            previous_ = phase_;
-            if (frame) {
-                return i + 1;
-            }
-        }
+        float phase = phase_;
+        float previous = previous_;
         frame = false;
-        return samples;
+        int i = 0;
+        while (i < samples && !frame) {
+            phase = wrapped(phase + step);
+            frame = previous < 0 && phase >= 0;
+            previous = phase;
+            ++i;
+        }
+        phase_ = phase;
+        previous_ = previous;
+        return i;
     }
 
 private:
-    void wrap() noexcept {
-        while (phase_ >= 0.5f) {
-            phase_ -= 1;
+    static float wrapped(float phase) noexcept {
+        while (phase >= 0.5f) {
+            phase -= 1;
         }
+        return phase;
     }
 
     float phase_ = -0.5f; // -0.5..0.5

@@ -20,7 +20,8 @@ public:
         end_ = longest_;
     }
 
-    // Where the next `count` pairs of left and right are to be written; three more may be spoiled behind them.
+    // Where the next `count` pairs of left and right are to be written; three more may be spoiled behind
+    // them.
     float* add(int count) noexcept {
         if (end_ + count > longest_ + std::max(kStretch, mostAdded_)) {
             float* const front = pairs_.data();

@@ -11,12 +11,14 @@ int InternalClock::advance(const RateConfiguration& rate, int samples) noexcept 
     if (equalRates_) {
         return samples;
     }
+    const float increment = rate.clockIncrement;
+    const float scale = rate.clockScale;
     float countdown = countdown_;
     Tick* tick = ticks_.data();
     for (std::int32_t i = 0; i < samples; ++i) {
-        countdown -= rate.clockIncrement;
+        countdown -= increment;
         if (countdown <= 0) {
-            *tick++ = {i, -countdown * rate.clockScale};
+            *tick++ = {i, -countdown * scale};
             countdown += 1;
         }
     }
@@ -24,7 +26,8 @@ int InternalClock::advance(const RateConfiguration& rate, int samples) noexcept 
     return static_cast<int>(tick - ticks_.data());
 }
 
-void InternalClock::sampleInput(const float* left, const float* right, int ticks, float* pairs) const noexcept {
+void InternalClock::sampleInput(const float* left, const float* right, int ticks,
+                                float* pairs) const noexcept {
     if (equalRates_) {
         for (int i = 0; i < ticks; i += 4) {
             const Float4 l = load(left + i);
@@ -44,9 +47,9 @@ void InternalClock::sampleInput(const float* left, const float* right, int ticks
 }
 
 // Each internal output holds until the next. The host sample that a tick falls into holds the new one for the
-// fraction since the tick and the old one before: so a tick that moves by a hair moves the output by a hair. The
-// other way round, the steps would jitter by up to a sample, which is 12 to 27 dB more noise than this. At equal
-// rates all that comes to one sample of delay.
+// fraction since the tick and the old one before: so a tick that moves by a hair moves the output by a hair.
+// The other way round, the steps would jitter by up to a sample, which is 12 to 27 dB more noise than this.
+// At equal rates all that comes to one sample of delay.
 void InternalClock::holdOutput(const float* pairs, int ticks, int samples, float* out) noexcept {
     Float4 held = loadPair(held_.data());
     if (equalRates_) {

@@ -14,8 +14,8 @@ class InternalClock {
 public:
     static constexpr int kMaxRun = 256; // host samples a call
 
-    // For another rate. The first tick comes a whole period later: at equal rates every tick then falls on its host
-    // sample, whenever the rate was chosen.
+    // For another rate. The first tick comes a whole period later: at equal rates every tick then falls on
+    // its host sample, whenever the rate was chosen.
     void clear() noexcept {
         countdown_ = 1;
         held_ = {};

@@ -17,8 +17,14 @@ public:
         ring_[next_] = value;
         next_ = (next_ + 1) % Length;
         count_ = std::min(count_ + 1, Length);
-        std::array<float, Length> sorted = ring_;
-        std::sort(sorted.begin(), sorted.begin() + static_cast<std::ptrdiff_t>(count_));
+        std::array<float, Length> sorted{};
+        for (std::size_t i = 0; i < count_; ++i) {
+            std::size_t place = i;
+            for (; place > 0 && sorted[place - 1] > ring_[i]; --place) {
+                sorted[place] = sorted[place - 1];
+            }
+            sorted[place] = ring_[i];
+        }
         median_ = sorted[count_ / 2];
     }
 

@@ -60,15 +60,26 @@ bool OutputMix::needsDry() const noexcept {
     return !dry_.isZero() || bypassing();
 }
 
-void OutputMix::fadeFour(const Signals& signals, Float4 gain, int i, Four& out) noexcept {
-    const Float4 early = load(signals.wet + 2 * i);
-    const Float4 late = load(signals.wet + 2 * i + 4);
-    out.left = gain * __builtin_shufflevector(early, late, 0, 2, 4, 6);
-    out.right = gain * __builtin_shufflevector(early, late, 1, 3, 5, 7);
+// The wet signal alone, by fours as long as they last: what plays most of the time. Returns how many samples
+// it made.
+int OutputMix::fade(const Signals& signals, float* left, float* right, int count) const noexcept {
+    const Float4 gain = splat(wet_.value);
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const Float4 early = load(signals.wet + 2 * i);
+        const Float4 late = load(signals.wet + 2 * i + 4);
+        store(left + i, gain * __builtin_shufflevector(early, late, 0, 2, 4, 6));
+        store(right + i, gain * __builtin_shufflevector(early, late, 1, 3, 5, 7));
+    }
+    return i;
 }
 
 void OutputMix::mixFour(const Signals& signals, int i, Four& out) const noexcept {
-    fadeFour(signals, lineAt(wet_.value, wet_.step, position_ + i), i, out);
+    const Float4 early = load(signals.wet + 2 * i);
+    const Float4 late = load(signals.wet + 2 * i + 4);
+    const Float4 wetGain = lineAt(wet_.value, wet_.step, position_ + i);
+    out.left = wetGain * __builtin_shufflevector(early, late, 0, 2, 4, 6);
+    out.right = wetGain * __builtin_shufflevector(early, late, 1, 3, 5, 7);
     if (!dry_.isZero()) {
         const Float4 gain = lineAt(dry_.value, dry_.step, position_ + i);
         Float4 left = load(signals.dry[0] + i);
@@ -95,13 +106,9 @@ void OutputMix::process(const Signals& signals, float* const* out, int offset, i
     float* const left = out[0] + offset;
     float* const right = out[1] + offset;
     const bool plain = !needsDry() && wet_.step == 0;
-    for (int i = 0; i < count; i += 4) {
+    for (int i = plain ? fade(signals, left, right, count) : 0; i < count; i += 4) {
         Four four;
-        if (plain) {
-            fadeFour(signals, splat(wet_.value), i, four);
-        } else {
-            mixFour(signals, i, four);
-        }
+        mixFour(signals, i, four);
         if (i + 4 <= count) {
             store(left + i, four.left);
             store(right + i, four.right);

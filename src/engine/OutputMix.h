@@ -1,8 +1,6 @@
 // The end of the chain at the host's rate: wet and dry with gains that ramp across a block, and bypass.
 #pragma once
 
-#include "engine/Simd.h"
-
 namespace Engine {
 
 class OutputMix {
@@ -37,7 +35,7 @@ private:
     };
     struct Four;
 
-    static void fadeFour(const Signals& signals, Float4 gain, int i, Four& out) noexcept;
+    int fade(const Signals& signals, float* left, float* right, int count) const noexcept;
     void mixFour(const Signals& signals, int i, Four& out) const noexcept;
     void blendBypass(const Signals& signals, int i, Four& out) const noexcept;
     bool bypassing() const noexcept { return bypass_ > 0 || bypassStep_ > 0; }

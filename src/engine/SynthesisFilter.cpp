@@ -48,8 +48,8 @@ void SynthesisFilter::process(float* signal, int count) noexcept {
     std::copy(now - 2 * kTaps, now, history_.data());
 }
 
-// 2 * Pairs samples at once. Each sum runs from the oldest sample to the newest, so that a sample rounds the same
-// whatever is computed beside it. Gives up, with nothing written, where an output would be clamped.
+// 2 * Pairs samples at once. Each sum runs from the oldest sample to the newest, so that a sample rounds the
+// same whatever is computed beside it. Gives up, with nothing written, where an output would be clamped.
 template <int Pairs>
 bool SynthesisFilter::processVectors(float* signal, float* history) const noexcept {
     constexpr auto kPairs = static_cast<std::size_t>(Pairs);

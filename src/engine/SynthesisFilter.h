@@ -34,8 +34,8 @@ private:
 
     // Each coefficient in four lanes.
     alignas(16) std::array<float, kLanes * kTaps> c_{};
-    int last_ = 0;        // the highest k that counts
-    int vectorLast_ = 1;  // the same rounded up, 1 more than a multiple of kUnroll
+    int last_ = 0;       // the highest k that counts
+    int vectorLast_ = 1; // the same rounded up, 1 more than a multiple of kUnroll
     // Pairs of left and right, straight: the newest kTaps go to the front behind each call.
     alignas(16) std::array<float, 2 * (kTaps + kMaxRun)> history_{};
 };

@@ -1,7 +1,6 @@
 #include "TestSignals.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 #include <random>
@@ -16,22 +15,10 @@ std::size_t samplesOf(double rate, double seconds) {
     return static_cast<std::size_t>(rate * seconds);
 }
 
-// A resonance of unity gain at zero frequency.
-class Resonance {
-public:
-    Resonance(double hertz, double width, double rate)
-        : b_(2 * std::exp(-std::numbers::pi * width / rate) * std::cos(kTau * hertz / rate)),
-          c_(-std::exp(-kTau * width / rate)) {}
-
-    double next(double x) {
-        const double y = (1 - b_ - c_) * x + b_ * y1_ + c_ * y2_;
-        y2_ = y1_;
-        return y1_ = y;
-    }
-
-private:
-    double b_, c_, y1_ = 0, y2_ = 0;
-};
+// A glottal wave: the harmonics of a phase in turns, each 3 dB or so below the one before.
+double voice(double phase) {
+    return std::sin(kTau * phase) / (1.3 - std::cos(kTau * phase));
+}
 
 } // namespace
 
@@ -59,17 +46,8 @@ Stereo noise(double level, double correlation, double rate, double seconds, std:
 
 Stereo vowel(double hertz, double rate, double seconds) {
     Stereo s(samplesOf(rate, seconds));
-    std::array mouth = {Resonance(660, 80, rate), Resonance(1300, 100, rate), Resonance(2400, 150, rate)};
-    double phase = 0;
-    for (float& sample : s.left) {
-        phase += hertz / rate;
-        const bool pulse = phase >= 1;
-        phase -= pulse ? 1 : 0;
-        double x = pulse ? 0.9 * std::sqrt(rate / 48000) : 0.0;
-        for (Resonance& r : mouth) {
-            x = r.next(x);
-        }
-        sample = static_cast<float>(x);
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        s.left[i] = static_cast<float>(0.2 * voice(hertz / rate * static_cast<double>(i)));
     }
     s.right = s.left;
     return s;
@@ -87,11 +65,11 @@ Stereo speech(double rate, double seconds) {
         const double hertz = 120 + 60 * std::sin(kTau * 0.7 * t) + 20 * std::floor(t * 2);
         phase += hertz / rate;
         phase -= std::floor(phase);
-        const double voice = beat < 0.55 ? std::sin(kTau * phase) / (1.3 - std::cos(kTau * phase)) : 0;
         const double white = normal(random);
         const double hiss = beat > 0.5 && beat < 0.8 ? white - 0.8 * hissBefore : 0;
         hissBefore = white;
-        const double x = 0.2 * voice + 0.03 * hiss + (beat < 0.8 ? 0.002 * white : 0);
+        const double x =
+            (beat < 0.55 ? 0.2 * voice(phase) : 0) + 0.03 * hiss + (beat < 0.8 ? 0.002 * white : 0);
         const double side = 0.5 + 0.4 * std::sin(kTau * 0.4 * t);
         s.left[i] = static_cast<float>(x * side);
         s.right[i] = static_cast<float>(x * (1 - side) + 0.01 * hiss);

@@ -20,7 +20,7 @@ Stereo sine(double hertz, double amplitude, double rate, double seconds);
 // inverted.
 Stereo noise(double level, double correlation, double rate, double seconds, std::uint32_t seed = 1);
 
-// A pulse train through a few vocal resonances.
+// A steady voice on both sides.
 Stereo vowel(double hertz, double rate, double seconds);
 
 // Syllables of gliding pitch, hissed consonants and pauses, wandering from left to right.
