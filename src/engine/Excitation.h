@@ -17,8 +17,6 @@ struct VoiceFrame {
     float unvoiced = 0; // 0..1
     float residualAmplitude = 0;
     StereoImage image;
-
-    bool operator==(const VoiceFrame&) const = default;
 };
 
 // How the player moves it.
