@@ -20,6 +20,9 @@ public:
     // a frame that the position corrects by a hair is then neither lost nor analysed twice, and a leap across
     // the start of a frame analyses it.
     void follow(double frames) noexcept {
+        if (!std::isfinite(frames)) {
+            return;
+        }
         phase_ = wrapped(static_cast<float>(frames - std::floor(frames + 0.5)));
     }
 

@@ -52,28 +52,47 @@ void SynthesisFilter::process(float* signal, int count) noexcept {
 // same whatever is computed beside it. Gives up, with nothing written, where an output would be clamped.
 template <int Pairs>
 bool SynthesisFilter::processVectors(float* signal, float* history) const noexcept {
-    constexpr auto kPairs = static_cast<std::size_t>(Pairs);
-    const float* const c = c_.data();
-    const auto tap = [c](std::size_t k) { return loadAligned(c + kLanes * k); };
-    Float4 y[kPairs]; // y[j]: samples 2 j and 2 j + 1
-    for (std::size_t j = 0; j < kPairs; ++j) {
+    Float4 y[Pairs]; // y[j]: samples 2 j and 2 j + 1
+    for (int j = 0; j < Pairs; ++j) {
         y[j] = load(signal + 4 * j);
     }
-    // What lies wholly in the past: for y[j], the taps down to 2 j + 2.
+    addPast(y, history);
+    addRecent(y, loadPair(history - 2));
+    Int4 within = Int4{} - 1;
+    for (const Float4& two : y) {
+        within &= magnitude(two) <= splat(kHistoryLimit);
+    }
+    if (laneBits(within) != 0xf) {
+        return false;
+    }
+    for (int j = 0; j < Pairs; ++j) {
+        store(signal + 4 * j, y[j]);
+        store(history + 4 * j, y[j]);
+    }
+    return true;
+}
+
+// What lies wholly in the past: for y[j], the taps down to 2 j + 2.
+template <std::size_t Pairs>
+void SynthesisFilter::addPast(Float4 (&y)[Pairs], const float* history) const noexcept {
+    const float* const c = c_.data();
     const float* past = history - 2 * vectorLast_;
-    const float* coefficient = c + kLanes * vectorLast_;
-    for (; coefficient > c + kLanes; coefficient -= kLanes * kUnroll, past += 2 * kUnroll) {
-        for (int i = 0; i < kUnroll; ++i) {
-            const Float4 two = load(past + 2 * i);
-            for (std::size_t j = 0; j < kPairs; ++j) {
-                y[j] += two * loadAligned(coefficient - kLanes * i + 2 * kLanes * j);
+    for (const float* k = c + kLanes * vectorLast_; k > c + kLanes; k -= kLanes * kUnroll) {
+        for (int i = 0; i < kUnroll; ++i, past += 2) {
+            const Float4 two = load(past);
+            for (std::size_t j = 0; j < Pairs; ++j) {
+                y[j] += two * loadAligned(k + kLanes * (2 * static_cast<int>(j) - i));
             }
         }
     }
-    // The taps below, which meet the samples made here. odd[j]: samples 2 j - 1 and 2 j.
-    Float4 odd[kPairs];
-    Float4 before = loadPair(history - 2);
-    for (std::size_t j = 0; j < kPairs; ++j) {
+}
+
+// The taps below, which meet the samples made here; `before` is the sample before them.
+template <std::size_t Pairs>
+void SynthesisFilter::addRecent(Float4 (&y)[Pairs], Float4 before) const noexcept {
+    const auto tap = [this](std::size_t k) { return loadAligned(c_.data() + kLanes * k); };
+    Float4 odd[Pairs]; // odd[j]: samples 2 j - 1 and 2 j
+    for (std::size_t j = 0; j < Pairs; ++j) {
         for (std::size_t m = 0; m < j; ++m) {
             y[j] += odd[m] * tap(2 * (j - m) + 1);
             y[j] += y[m] * tap(2 * (j - m));
@@ -83,18 +102,6 @@ bool SynthesisFilter::processVectors(float* signal, float* history) const noexce
         odd[j] = __builtin_shufflevector(before, y[j], 0, 1, 4, 5);
         before = __builtin_shufflevector(y[j], Float4{}, 2, 3, 4, 5);
     }
-    Int4 within = Int4{} - 1;
-    for (std::size_t j = 0; j < kPairs; ++j) {
-        within &= magnitude(y[j]) <= splat(kHistoryLimit);
-    }
-    if (laneBits(within) != 0xf) {
-        return false;
-    }
-    for (std::size_t j = 0; j < kPairs; ++j) {
-        store(signal + 4 * j, y[j]);
-        store(history + 4 * j, y[j]);
-    }
-    return true;
 }
 
 void SynthesisFilter::processOne(float* signal, float* history) const noexcept {

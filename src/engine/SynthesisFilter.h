@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/LinearPrediction.h"
+#include "engine/Simd.h"
 
 #include <array>
 #include <span>
@@ -26,6 +27,10 @@ public:
 private:
     template <int Pairs>
     bool processVectors(float* signal, float* history) const noexcept;
+    template <std::size_t Pairs>
+    void addPast(Float4 (&y)[Pairs], const float* history) const noexcept;
+    template <std::size_t Pairs>
+    void addRecent(Float4 (&y)[Pairs], Float4 before) const noexcept;
     void processOne(float* signal, float* history) const noexcept;
 
     static constexpr int kLanes = 4;

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -115,6 +114,7 @@ VoiceEngine::State::State(double hertz, int step, Feedbacks& feedbacks)
 
 void VoiceEngine::State::process(const float* const* in, float* const* out, int samples,
                                  const Block& block) noexcept {
+    samples = std::max(samples, 0);
     beginBlock(block, samples);
     std::size_t next = 0;
     for (int position = 0; position < samples;) {
@@ -140,10 +140,9 @@ void VoiceEngine::State::beginBlock(const Block& block, int samples) noexcept {
     plan_.mono = Parameters::isOn(parameters.legacyMode);
     plan_.frameStep = frameStep(parameters, block.transport);
     plan_.midiSettings = block.midiSettings;
-    const auto song = block.transport.songPosition;
-    if (plan_.sync && song && std::isfinite(*song) && !frozen()) {
+    if (plan_.sync && block.transport.songPosition && !frozen()) {
         const auto frames = static_cast<double>(framesPerWholeNote(parameters.frameRate));
-        voice_.clock().follow(frames * *song / kBeatsPerWholeNote);
+        voice_.clock().follow(frames * *block.transport.songPosition / kBeatsPerWholeNote);
     }
     mix_.beginBlock(parameters.mix, block.bypassed, samples);
     started_ = true;

@@ -44,6 +44,9 @@ TEST(FrameClock, beginsFramesWhereThePhaseRisesThroughZero) {
     EXPECT_EQ(firstFrame(clock, 0.125f), 2);
     clock.follow(-0.5);
     EXPECT_EQ(firstFrame(clock, 0.125f), 4) << "before the song's start";
+    clock.follow(NAN);
+    clock.follow(INFINITY);
+    EXPECT_EQ(firstFrame(clock, 0.125f), 8) << "nonsense is not followed";
 }
 
 TEST(Timing, framesASecond) {
