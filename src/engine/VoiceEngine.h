@@ -42,19 +42,21 @@ struct Block {
     bool bypassed = false; // dry with the same delay; changes cross-fade
 };
 
-// What the frame analysis found last, for tools that draw or list it.
+// What the frame analysis found last, for tools that draw or list it. Of a silent frame nothing is analysed:
+// lag, unvoiced and amplitude are 0, and the others are those that sound on.
 struct FrameRecord {
-    std::uint64_t number = 0;     // frames analysed so far; 0: none yet
+    std::uint64_t number = 0;     // frames taken so far; 0: none yet
     std::uint64_t hostSample = 0; // host samples processed when the frame was taken
     bool silent = false;
-    float lag = 0;       // samples, before the tracker
+    float lag = 0;       // samples of the internal rate, before the tracker
     float pitch = 0;     // octaves relative to C3, after the tracker
     float unvoiced = 0;  // 0..1, before the tracker
     float amplitude = 0; // of the residual
     float pan = 0;
     float width = 0;
-    std::span<const float>
-        coefficients; // out[0] = 1, out[1].. as the analysis yields them; valid until `process`
+    // out[0] = 1, and out[1].. which predict a sample as the sum of out[k] times the one k before it: as the
+    // synthesis uses them. Empty while there is no filter. Valid until `process`.
+    std::span<const float> coefficients;
 };
 
 class VoiceEngine {

@@ -79,7 +79,7 @@ TEST(Robustness, samplesOfNonsenseAreSilence) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     for (const float nonsense :
          {NAN, -NAN, kInfinity, -kInfinity, 1e-40f, -std::numeric_limits<float>::denorm_min()}) {
-        for (const float mix : {1.0f, 0.3f}) {
+        for (const float mix : {1.0f, 0.0f}) {
             SCOPED_TRACE(nonsense);
             auto broken = TestSignals::speech(kRate, 0.6), silenced = broken;
             for (std::size_t i = 5000; i < 25000; i += i < 6000 ? 1 : 317) {
@@ -97,7 +97,7 @@ TEST(Robustness, samplesOfNonsenseAreSilence) {
 }
 
 TEST(Robustness, hugeInputIsForgotten) {
-    for (const float huge : {1e6f, 1e20f, std::numeric_limits<float>::max()}) {
+    for (const float huge : {1e6f, 1e9f, 1e13f, 1e17f, 1e20f, std::numeric_limits<float>::max()}) {
         for (int step = 0; step < 4; ++step) {
             SCOPED_TRACE(testing::Message() << huge << " step " << step);
             auto in = TestSignals::speech(kRate, 2);
@@ -107,7 +107,11 @@ TEST(Robustness, hugeInputIsForgotten) {
             }
             Player player(kRate), calm(kRate);
             player.block.parameters.sampleRate = calm.block.parameters.sampleRate = rateStep(step);
-            const auto out = player.play(in).out;
+            const Played played = player.play(in);
+            const Stereo& out = played.out;
+            for (const FrameRecord& frame : played.frames) {
+                EXPECT_LT(frame.width, 1.9f) << "sums overflow";
+            }
             const auto wanted = calm.play(TestSignals::speech(kRate, 2)).out;
             EXPECT_TRUE(std::ranges::all_of(out.left, [](float x) { return std::isfinite(x); }));
             EXPECT_TRUE(std::ranges::all_of(out.right, [](float x) { return std::isfinite(x); }));

@@ -56,6 +56,28 @@ TEST(Threads, oneProcessesWhileAnotherChangesAndReadsEverything) {
     EXPECT_EQ(torn, 0);
 }
 
+TEST(Threads, aFilterIsReadWhole) {
+    Feedbacks feedbacks;
+    std::atomic<bool> done = false;
+    std::jthread writer([&] {
+        FilterSnapshot filter;
+        for (int turn = 0; turn < 100000; ++turn) {
+            filter.order = 1 + turn % 64;
+            filter.coefficients.fill(static_cast<float>(filter.order));
+            feedbacks.publishFilter(filter);
+        }
+        done = true;
+    });
+    int torn = 0;
+    while (!done) {
+        const FilterSnapshot filter = feedbacks.filter();
+        for (const float c : filter.coefficients) {
+            torn += static_cast<int>(c) != filter.order ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(torn, 0);
+}
+
 TEST(Threads, instancesAreMadeAndPlayedBesideEachOther) {
     const auto play = [] {
         Feedbacks feedbacks;

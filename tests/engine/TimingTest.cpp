@@ -198,3 +198,14 @@ TEST(Timing, sustainFreezesAndAFirstNoteRestarts) {
     EXPECT_GT(TestSignals::rms(played.out.left, 12900, 25600), 0.003);
     EXPECT_GT(TestSignals::rms(played.out.left, 36000, 38400), 0.003) << "frozen sound goes on";
 }
+
+TEST(Timing, sustainFreezesAgainstTheSong) {
+    Player player(kRate);
+    player.block.parameters = {.sync = 1, .frameRate = 1, .midi = 1};
+    static const MidiEvent kPedal[] = {{0, 0xb0, 64, 127}};
+    player.play(TestSignals::noise(0.1, 1, kRate, 1), {64}, [](std::size_t at, int, Block& block) {
+        block.transport.songPosition = static_cast<double>(at) / 24000;
+        block.midiEvents = at < 64 ? std::span<const MidiEvent>(kPedal) : std::span<const MidiEvent>();
+    });
+    EXPECT_LE(player.engine.lastFrame().number, 1u);
+}
