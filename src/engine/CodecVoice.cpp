@@ -27,10 +27,11 @@ void quantise(float* signal, int count) noexcept {
 
 } // namespace
 
-CodecVoice::CodecVoice(std::span<const RateConfiguration, kRateSteps> configurations, Feedbacks& feedbacks)
+CodecVoice::CodecVoice(std::span<const RateConfiguration, kRateSteps> configurations, int step,
+                       Feedbacks& feedbacks)
     : feedbacks_(feedbacks), history_(longestFrame(configurations), kMaxRun), analysis_(configurations) {
     std::ranges::copy(configurations, rates_.begin());
-    setStep(0);
+    setStep(step);
 }
 
 void CodecVoice::setStep(int step) noexcept {

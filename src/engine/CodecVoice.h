@@ -31,8 +31,8 @@ class CodecVoice {
 public:
     static constexpr int kMaxRun = 256; // samples a call
 
-    // [main]
-    CodecVoice(std::span<const RateConfiguration, kRateSteps> configurations, Feedbacks& feedbacks);
+    // [main] Begins at the rate step `step`.
+    CodecVoice(std::span<const RateConfiguration, kRateSteps> configurations, int step, Feedbacks& feedbacks);
 
     // [audio] Another rate: every history is cleared and the first frame comes half a frame later.
     void setStep(int step) noexcept;

@@ -44,8 +44,6 @@ private:
         float fraction; // how far the tick lies before its host sample, in host samples, 0..1
     };
 
-    // The first tick comes a whole period after the start: at equal rates every tick falls on its host
-    // sample.
     float countdown_ = 1; // internal samples until the next tick
     std::array<Tick, kMaxRun> ticks_{};
     bool equalRates_ = false; // of the ticks found last: each falls on its host sample

@@ -13,8 +13,8 @@ namespace {
 constexpr float kLeastPeak = 1e-5f;
 constexpr float kFlat = 1e-5f; // neighbours closer than this to the peak do not move it
 
-// Leans towards the higher neighbour by their difference over the drop to the lower one's opposite; one-sided
-// on purpose, and not the vertex of a parabola.
+// Leans towards the higher neighbour, by the neighbours' difference over twice the drop to the lower one:
+// one-sided on purpose, and not the vertex of a parabola.
 float peakOffset(float prev, float peak, float next) {
     if (prev > next) {
         return peak - next < kFlat ? 0 : (next - prev) / (2 * (peak - next));

@@ -22,7 +22,7 @@ struct RateConfiguration {
     int lagCount = 0;         // lags of the autocorrelation, from 0
     int frameLength = 1;      // samples analysed a frame, a power of two
     float windowStep = 1;     // its reciprocal
-    float unvoicedScale = 1;  // brings the unvoiced amount of white noise of this length to 1
+    float unvoicedScale = 1;  // brings the unvoiced amount of noise, at this length, up to 1
     float preEmphasis = 1;    // coefficient of the one-pole low-pass that is taken away before the analysis
     float noiseSmoothing = 1; // the same for the stereo noise
     float pitchReference = 0; // cycles an internal sample of C3 (MIDI note 60), pitch 0
@@ -35,7 +35,6 @@ struct RateConfiguration {
 
 inline constexpr int kMaxRate = 48000;
 inline constexpr int kMaxFrameLength = 2048;
-inline constexpr int kMaxLagCount = kMaxRate / 30;
 
 // `hostRate` in Hz, at least 1 and within int.
 std::array<RateConfiguration, kRateSteps> makeRateConfigurations(double hostRate);

@@ -103,13 +103,12 @@ private:
 };
 
 VoiceEngine::State::State(double hertz, int step, Feedbacks& feedbacks)
-    : hostRate_(hertz), rates_(makeRateConfigurations(hertz)), step_(step), voice_(rates_, feedbacks),
+    : hostRate_(hertz), rates_(makeRateConfigurations(hertz)), step_(step), voice_(rates_, step, feedbacks),
       mix_(hertz) {
     const int longest = std::ranges::max(rates_, {}, &RateConfiguration::latency).latency;
     for (DryDelay& delay : dryDelay_) {
         delay = DryDelay(longest, kRun);
     }
-    voice_.setStep(step);
 }
 
 void VoiceEngine::State::process(const float* const* in, float* const* out, int samples,
