@@ -4,7 +4,10 @@
 #pragma once
 
 #include "engine/Feedbacks.h"
+#include "engine/Midi.h"
 
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -26,20 +29,6 @@ struct ParameterValues {
     float legacyMode = 0;
 };
 
-struct MidiEvent {
-    std::int32_t sampleOffset = 0; // from the start of the block; events are handled in the order given
-    std::uint8_t status = 0;
-    std::uint8_t data1 = 0;
-    std::uint8_t data2 = 0;
-};
-
-// How MIDI moves the pitch, from the instance's MIDI configuration.
-struct MidiSettings {
-    int bendRangeSemitones = 12;
-    bool bendHeldOnly = false;
-    float masterTuningHz = 440;
-};
-
 struct Transport {
     double tempo = 120;                 // beats per minute
     std::optional<double> songPosition; // quarter notes, at the start of the block
@@ -53,19 +42,21 @@ struct Block {
     bool bypassed = false; // dry with the same delay; changes cross-fade
 };
 
-// What the frame analysis found last, for tools that draw or list it.
+// What the frame analysis found last, for tools that draw or list it. Of a silent frame nothing is analysed:
+// lag, unvoiced and amplitude are 0, and the others are those that sound on.
 struct FrameRecord {
-    std::uint64_t number = 0;     // frames analysed so far; 0: none yet
+    std::uint64_t number = 0;     // frames taken so far; 0: none yet
     std::uint64_t hostSample = 0; // host samples processed when the frame was taken
     bool silent = false;
-    float lag = 0;       // samples, before the tracker
+    float lag = 0;       // samples of the internal rate, before the tracker
     float pitch = 0;     // octaves relative to C3, after the tracker
     float unvoiced = 0;  // 0..1, before the tracker
     float amplitude = 0; // of the residual
     float pan = 0;
     float width = 0;
-    std::span<const float>
-        coefficients; // out[0] = 1, out[1].. as the analysis yields them; valid until `process`
+    // out[0] = 1, and out[1].. which predict a sample as the sum of out[k] times the one k before it: as the
+    // synthesis uses them. Empty while there is no filter. Valid until `process`.
+    std::span<const float> coefficients;
 };
 
 class VoiceEngine {
@@ -82,7 +73,7 @@ public:
     // Rates that make no sense (not finite, below 1 Hz) are refused with std::invalid_argument.
     void setSampleRate(double hertz);
 
-    // [main, not while `process` runs] Clears every history, as after a pause.
+    // [main, not while `process` runs] Clears every history and lets go of all notes, as after a pause.
     void reset();
 
     // [any] Delay of the dry path in host samples at the given value of `sampleRate`.
@@ -95,8 +86,13 @@ public:
     FrameRecord lastFrame() const noexcept;
 
 private:
-    struct State;
+    class State;
+
+    void prepare(double hertz, int step);
+
+    Feedbacks& feedbacks_;
     std::unique_ptr<State> state_;
+    std::array<std::atomic<int>, 4> latencies_{}; // one a rate step; written by the main thread
 };
 
 } // namespace Engine

@@ -7,14 +7,19 @@
 #include "state/StartupBank.h"
 
 #include "model/MidiConfig.h"
+#include "model/MidiMapping.h"
+#include "model/MidiRouter.h"
 #include "model/PatchText.h"
 #include "model/Programs.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <algorithm>
+#include <atomic>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace Bnk;
@@ -242,6 +247,33 @@ TEST(BankChunk, comesBackAsItWasWritten) {
         EXPECT_EQ(Model::writePatch(read[i]), Model::writePatch(programs[i]));
     }
     EXPECT_EQ(writeBankChunk(read, readConfig), written);
+}
+
+// Under the thread sanitizer: whatever the main thread loads, the audio thread reads on.
+TEST(BankChunk, isReadWhileTheAudioThreadPlays) {
+    Programs programs;
+    Model::MidiMapping mapping;
+    std::atomic<bool> stop{false};
+    std::thread audio([&] {
+        Model::MidiRouter router;
+        for (unsigned i = 0; !stop; ++i) {
+            EXPECT_GE(programs.currentPatch().value(static_cast<int>(i % Parameters::kCount)), 0);
+            const auto route = router.route(mapping, {0xC0, static_cast<std::uint8_t>(i % 16), 0});
+            programs.select(std::max(route.program, 0));
+            programs.currentPatch().setValue(Parameters::pitch, static_cast<float>(i % 7) / 7);
+        }
+    });
+    MidiConfig config;
+    const std::string good = bankChunk(16);
+    for (int i = 0; i < 50; ++i) {
+        readBankChunk(good, programs, config);
+        mapping.publish(config);
+        readProgramChunk(writeProgramChunk(programs.currentPatch()), programs);
+        writeBankChunk(programs, config);
+        programs.select(i % Programs::kCount);
+    }
+    stop = true;
+    audio.join();
 }
 
 TEST(ProgramChunk, goesToTheCurrentProgram) {

@@ -54,5 +54,6 @@ TEST_F(BankCommandTest, theFactoryBankHoldsItsSixteenPrograms) {
     EXPECT_EQ(bank.substr(8, 20), std::string("FBCh\0\0\0\1BkMm\0\0\0\1\0\0\0\n", 20));
     EXPECT_EQ(bank.substr(160, 16), std::string("\x39\x79\x4D\x71\0\0\0\0mMkB\0\5\1\0", 16));
     run({"bank", MURMELON_FACTORY_BANK, "--export", "."});
-    EXPECT_EQ(read("01 Default.kvmp").find("modified: true") != std::string::npos, true);
+    const std::string defaults = "MurmelonPatch: { format: 1, name: \"Default\", modified: true }";
+    EXPECT_EQ(run({"patch", "01 Default.kvmp"}).output, run({"patch", "-"}, defaults).output);
 }
