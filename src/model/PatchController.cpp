@@ -17,7 +17,7 @@ void PatchController::initialise(const std::string& name) {
 }
 
 void PatchController::open(const std::filesystem::path& file) {
-    AtomicPatch patch = readPatch(surroundings_.readFile(file), toUtf8(file.filename()));
+    AtomicPatch patch = readPatch(files_.read(file), toUtf8(file.filename()));
     patch.setPath(file);
     if (patch.name().empty()) {
         patch.setName(toUtf8(file.stem()));
@@ -53,7 +53,7 @@ void PatchController::save(const std::filesystem::path& file) {
     AtomicPatch saved = current();
     saved.setPath(file);
     saved.markSaved();
-    surroundings_.writeFile(file, Stackbrace::withFileLineEnds(writePatch(saved)));
+    files_.write(file, Stackbrace::withFileLineEnds(writePatch(saved)));
     current().setPath(file);
     if (current().changeStamp() == stamp) {
         current().markSaved(); // else automation has moved on while the file was written

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "model/Programs.h"
+#include "model/TextFiles.h"
 #include "model/UndoHistory.h"
 
 #include <filesystem>
@@ -24,10 +25,6 @@ public:
     virtual std::string clipboardText() const = 0; // empty when there is none
     virtual void setClipboardText(const std::string& text) = 0;
 
-    // These throw when the file cannot be read or written.
-    virtual std::string readFile(const std::filesystem::path& path) const = 0;
-    virtual void writeFile(const std::filesystem::path& path, const std::string& contents) = 0;
-
     // The current program, or what is in it, is another.
     virtual void currentPatchReplaced() = 0;
 };
@@ -40,8 +37,8 @@ public:
 
 class PatchController {
 public:
-    PatchController(Programs& programs, PatchSurroundings& surroundings)
-        : programs_(programs), surroundings_(surroundings) {}
+    PatchController(Programs& programs, TextFiles& files, PatchSurroundings& surroundings)
+        : programs_(programs), files_(files), surroundings_(surroundings) {}
 
     AtomicPatch& current() { return programs_.currentPatch(); }
     const AtomicPatch& current() const { return programs_.currentPatch(); }
@@ -72,6 +69,7 @@ private:
     AtomicPatch patchFromClipboard() const;
 
     Programs& programs_;
+    TextFiles& files_;
     PatchSurroundings& surroundings_;
     UndoHistory history_;
 };

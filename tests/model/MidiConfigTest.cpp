@@ -1,7 +1,11 @@
 #include "model/MidiConfig.h"
+#include "model/MidiConfigController.h"
 #include "model/MidiConfigText.h"
 #include "model/MidiRouter.h"
 #include "model/PathText.h"
+#include "platform/MemoryRecord.h"
+
+#include "FilesInMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -187,6 +191,42 @@ TEST(MidiConfigText, twoParametersOfOneControllerLeaveTheLater) {
     readMidiConfig(with("mix", "1"), config);
     EXPECT_EQ(config.assignments.parameterOf(1), Parameters::mix);
     EXPECT_EQ(config.assignments.controllerOf(Parameters::frameRate), 255);
+}
+
+TEST(MidiConfigController, loadsSavesAndRemembers) {
+    MidiMapping mapping;
+    FilesInMemory disk("/configs");
+    Platform::MemoryRecord record;
+    Preferences preferences(record);
+    MidiConfigController controller(mapping, disk, preferences);
+    controller.loadDefault(); // there is none
+    EXPECT_EQ(controller.config(), MidiConfig());
+
+    disk.files["/configs/a.kvmc"] = kText;
+    disk.files["/configs/bad.kvmc"] = with("inputChannel", "17");
+    disk.files["/configs/other.kvmc"] = "Other: 1";
+    controller.load("/configs/a.kvmc");
+    EXPECT_EQ(controller.config().sourcePath, "/configs/a.kvmc");
+    EXPECT_EQ(mapping.masterTuning(), 442.5f);
+    const MidiConfig loaded = controller.config();
+    EXPECT_THROW(controller.load("/configs/bad.kvmc"), MidiConfigRangeError);
+    EXPECT_THROW(controller.save("/elsewhere/a.kvmc"), std::runtime_error);
+    controller.load("/configs/other.kvmc");
+    EXPECT_EQ(controller.config(), loaded);
+
+    controller.save("/configs/b.kvmc");
+    EXPECT_EQ(controller.config().sourcePath, "/configs/b.kvmc");
+    EXPECT_NE(disk.files["/configs/b.kvmc"].find("\tinputChannel: 16\r\n"), std::string::npos);
+    controller.makeDefault();
+    controller.reset();
+    EXPECT_EQ(controller.config(), MidiConfig());
+    EXPECT_EQ(mapping.masterTuning(), 440);
+    MidiMapping newMapping;
+    MidiConfigController newInstance(newMapping, disk, preferences);
+    newInstance.loadDefault();
+    EXPECT_EQ(newInstance.config().masterTuning, 442.5f);
+    EXPECT_TRUE(newMapping.hearsChannel(15));
+    EXPECT_FALSE(newMapping.hearsChannel(0));
 }
 
 // --- routing -----------------------------------------------------------------------------------------------

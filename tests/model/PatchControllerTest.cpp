@@ -5,13 +5,14 @@
 #include "model/PatchText.h"
 #include "notation/Errors.h"
 
+#include "FilesInMemory.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <map>
 #include <string>
 
 using namespace Model;
@@ -104,29 +105,19 @@ namespace {
 
 struct FakeSurroundings : PatchSurroundings {
     std::string clipboard;
-    std::map<fs::path, std::string> files;
     int replaced = 0;
 
     std::string translate(std::string_view text) const override { return "<" + std::string(text) + ">"; }
     std::string clipboardText() const override { return clipboard; }
     void setClipboardText(const std::string& text) override { clipboard = text; }
-    std::string readFile(const fs::path& path) const override {
-        const auto file = files.find(path);
-        return file != files.end() ? file->second : throw std::runtime_error("no such file");
-    }
-    void writeFile(const fs::path& path, const std::string& contents) override {
-        if (path.parent_path() != "/patches") {
-            throw std::runtime_error("disk full");
-        }
-        files[path] = contents;
-    }
     void currentPatchReplaced() override { ++replaced; }
 };
 
 struct PatchControllerTest : testing::Test {
     Programs programs;
     FakeSurroundings around;
-    PatchController controller{programs, around};
+    FilesInMemory disk{"/patches"};
+    PatchController controller{programs, disk, around};
 
     PatchControllerTest() {
         controller.current().setName("before");
@@ -137,9 +128,9 @@ struct PatchControllerTest : testing::Test {
 } // namespace
 
 TEST_F(PatchControllerTest, eachOperationIsOneUndoStep) {
-    around.files["/patches/A & B.kvmp"] =
+    disk.files["/patches/A & B.kvmp"] =
         "MurmelonPatch: { format: 1, name: \"opened\", modified: true, path: \"/elsewhere\" }";
-    around.files["/patches/nameless.kvmp"] = "MurmelonPatch: { format: 1 }";
+    disk.files["/patches/nameless.kvmp"] = "MurmelonPatch: { format: 1 }";
     const std::string copied = writePatch(named("copied"));
     struct Row {
         std::function<void()> operation;
@@ -198,7 +189,7 @@ TEST_F(PatchControllerTest, copyAndExchangeUseTheClipboard) {
 }
 
 TEST_F(PatchControllerTest, failuresLeaveEverythingAsItWas) {
-    around.files["/patches/bad.kvmp"] = "MurmelonPatch: { format: 2 }";
+    disk.files["/patches/bad.kvmp"] = "MurmelonPatch: { format: 2 }";
     const auto stamp = controller.current().changeStamp();
     EXPECT_THROW(controller.open("/patches/bad.kvmp"), PatchFormatError);
     EXPECT_THROW(controller.open("/patches/none.kvmp"), std::runtime_error);
@@ -218,7 +209,7 @@ TEST_F(PatchControllerTest, savesAndProposesFiles) {
     controller.save("/patches/a.kvmp");
     EXPECT_FALSE(controller.current().isModified());
     EXPECT_EQ(controller.proposedFile(), "/patches/a.kvmp");
-    const std::string& file = around.files["/patches/a.kvmp"];
+    const std::string& file = disk.files["/patches/a.kvmp"];
     EXPECT_THAT(file, testing::StartsWith("MurmelonPatch: {\r\n\tformat: 1\r\n\tname: \"before\"\r\n"
                                           "\tpath: \"/patches/a.kvmp\"\r\n\tmodified: false\r\n"));
     EXPECT_EQ(readPatch(file).value(Parameters::mix), 0.25f);

@@ -1,4 +1,5 @@
 #include "platform/AtomicFileWrite.h"
+#include "platform/FileRead.h"
 
 #include <gtest/gtest.h>
 
@@ -6,6 +7,8 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -65,4 +68,23 @@ TEST_F(AtomicFileWriteTest, saysWhichFileCouldNotBeWritten) {
     }
     // A folder stands where the file should go.
     EXPECT_THROW(Platform::atomicFileWrite(folder_, "text"), std::runtime_error);
+}
+
+TEST_F(AtomicFileWriteTest, whatWasWrittenIsRead) {
+    std::string contents("\0\r\n\x1A\xFF", 5);
+    contents.resize(200'000, 'x');
+    const auto path = folder_ / "J\xC3\xB6rg";
+    Platform::atomicFileWrite(path, contents);
+    EXPECT_EQ(Platform::readFile(path), contents);
+    Platform::atomicFileWrite(path, "");
+    EXPECT_EQ(Platform::readFile(path), "");
+    for (const auto& [unreadable, why] : {std::pair(folder_ / "missing", "No such file or directory"),
+                                          std::pair(folder_, "Is a directory")}) {
+        try {
+            Platform::readFile(unreadable);
+            FAIL();
+        } catch (const std::runtime_error& error) {
+            EXPECT_EQ(error.what(), "Could not read " + unreadable.string() + ": " + why);
+        }
+    }
 }

@@ -1,14 +1,13 @@
 #include "platform/SharedFile.h"
 
 #include "platform/AtomicFileWrite.h"
+#include "platform/FileRead.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -66,15 +65,7 @@ SharedFile::SharedFile(fs::path file, std::chrono::milliseconds patience)
 
 std::string SharedFile::read() const {
     std::error_code error;
-    if (!fs::exists(file_, error)) {
-        return {};
-    }
-    std::ifstream file(file_, std::ios::binary);
-    std::string contents{std::istreambuf_iterator<char>(file), {}};
-    if (!file.is_open() || file.bad()) {
-        fail("Could not read", file_, errno);
-    }
-    return contents;
+    return fs::exists(file_, error) ? readFile(file_) : std::string();
 }
 
 void SharedFile::update(const std::function<Replacement(const std::string& contents)>& change) {
