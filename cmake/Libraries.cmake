@@ -17,8 +17,9 @@ murmelon_static_library(murmelon_zlib libz.a)
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
 
-# Outline fonts, for the converter of the command.
-pkg_check_modules(murmelon_freetype_found REQUIRED IMPORTED_TARGET freetype2)
-pkg_check_modules(murmelon_harfbuzz_found REQUIRED IMPORTED_TARGET harfbuzz)
-add_library(murmelon_freetype ALIAS PkgConfig::murmelon_freetype_found)
-add_library(murmelon_harfbuzz ALIAS PkgConfig::murmelon_harfbuzz_found)
+# The command's own.
+pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
+pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)
+pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)
