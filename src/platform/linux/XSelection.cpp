@@ -27,11 +27,8 @@ public:
         if (!owner || !owner->owner) {
             return std::nullopt;
         }
-        if (auto text = readAs(atoms_.utf8)) {
-            return text;
-        }
-        const auto latin1 = readAs(XCB_ATOM_STRING);
-        return latin1 ? std::optional(utf8FromLatin1(*latin1)) : std::nullopt;
+        auto text = readAs(atoms_.utf8);
+        return text ? text : readAs(XCB_ATOM_STRING);
     }
 
 private:
@@ -47,26 +44,37 @@ private:
         if (!takeProperty(text, type)) {
             return std::nullopt;
         }
-        return type == atoms_.incremental ? readPieces() : text;
+        if (type == atoms_.incremental && !readPieces(text, type)) {
+            return std::nullopt;
+        }
+        return decoded(std::move(text), type);
     }
 
-    std::optional<std::string> readPieces() {
-        std::string text;
-        while (waitFor([&](const xcb_generic_event_t& e) {
+    // Programs answer in a form of their own choice, whatever they were asked for; the type tells.
+    std::optional<std::string> decoded(std::string text, xcb_atom_t type) const {
+        if (type == XCB_ATOM_STRING) {
+            return utf8FromLatin1(text);
+        }
+        const bool utf8 = type == atoms_.utf8 || type == atoms_.plainUtf8 || type == atoms_.plain;
+        return utf8 ? std::optional(std::move(text)) : std::nullopt;
+    }
+
+    bool readPieces(std::string& text, xcb_atom_t& type) {
+        const auto nextPiece = [&](const xcb_generic_event_t& e) {
             const auto& change = eventAs<xcb_property_notify_event_t>(e);
             return eventKind(e) == XCB_PROPERTY_NOTIFY && change.atom == atoms_.own &&
                    change.state == XCB_PROPERTY_NEW_VALUE;
-        })) {
+        };
+        while (waitFor(nextPiece)) {
             const std::size_t before = text.size();
-            xcb_atom_t type = XCB_ATOM_NONE;
             if (!takeProperty(text, type)) {
-                return std::nullopt;
+                return false;
             }
             if (text.size() == before) {
-                return text;
+                return true;
             }
         }
-        return std::nullopt;
+        return false;
     }
 
     // Appends what the property holds and removes it, which asks for the next piece.
