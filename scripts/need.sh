@@ -23,5 +23,6 @@ build_packages=(
     libcurl4-openssl-dev libdbus-1-dev
 )
 test_packages=(libgtest-dev libgmock-dev)
+demo_packages=(alsa-utils sox)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
