@@ -11,5 +11,6 @@ void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
+void addZektCommand(CLI::App& program);
 
 } // namespace Tool

@@ -23,6 +23,7 @@ int run(int argc, char** argv) {
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addZektCommand(program);
 
     try {
         program.parse(argc, argv);
