@@ -122,7 +122,7 @@ std::vector<std::string> Argument::elements(const ListRules& rules, bool final) 
         if (final && Lexical::isBracketed(element)) {
             element = machine.expand(*frame_, Lexical::inside(element));
         } else if (final && Lexical::isQuoted(element)) {
-            element = Lexical::inside(element);
+            element = element.substr(1, element.size() - 2);
         }
         elements.push_back(final ? withoutEscapes(element) : element);
     }
