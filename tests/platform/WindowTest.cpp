@@ -375,7 +375,7 @@ TEST_F(WindowTest, AllCursorsExist) {
 // The server takes 256 clients at most, so a connection left open would show by itself.
 TEST_F(WindowTest, AThousandLeaveNothingBehind) {
     const auto parent = host();
-    std::size_t pages = 0;
+    [[maybe_unused]] std::size_t pages = 0;
     const std::size_t files = entriesOf("/proc/self/fd");
     const std::size_t segments = sharedSegments();
     for (int round = 0; round < 1000; ++round) {
