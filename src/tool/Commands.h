@@ -17,5 +17,6 @@ void addPatchCommand(CLI::App& program);
 void addRenderCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
 void addTombolaCommand(CLI::App& program);
+void addZektCommand(CLI::App& program);
 
 } // namespace Tool

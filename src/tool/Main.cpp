@@ -28,6 +28,7 @@ int run(int argc, char** argv) {
     Tool::addTombolaCommand(program);
     Tool::addExprCommand(program);
     Tool::addMetaTextCommand(program);
+    Tool::addZektCommand(program);
     Tool::addFontCommand(program);
 
     try {
