@@ -83,6 +83,7 @@ std::string Argument::text() const {
     if (bracketed_) {
         return withoutEscapes(expandedInside());
     }
+    frame_->machine_.work(raw_.size());
     return withoutEscapes(quoted_ ? Lexical::inside(raw_) : raw_);
 }
 
@@ -90,6 +91,7 @@ std::u16string Argument::wideText() const {
     if (bracketed_) {
         return wideWithoutEscapes(expandedInside());
     }
+    frame_->machine_.work(raw_.size());
     return wideWithoutEscapes(quoted_ ? Lexical::inside(raw_) : raw_);
 }
 

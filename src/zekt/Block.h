@@ -48,15 +48,15 @@ struct Statement {
     enum class Kind : std::uint8_t { assignment, builtIn, domain, fault };
 
     Kind kind = Kind::fault;
+    bool hasValue = true; // a declaration may have none
     std::string_view text;
-    std::string_view rest;             // of the text: what is assigned, or the arguments
-    Symbol* target = nullptr;          // of an assignment or a declaration
-    bool hasValue = true;              // a declaration may have none
+    // What an assignment or a declaration writes to; for a domain instruction, holds its name in lower case.
+    Symbol* symbol = nullptr;
     const BuiltIn* builtIn = nullptr;
-    std::string name;                  // of a domain instruction, in lower case
-    mutable Expansion value;           // of rest, or of what a declaration assigns
-    mutable std::unique_ptr<ArgumentsForm> form; // of rest
-    std::optional<Fault> fault;
+    // Of what is assigned or, for instructions, of the argument text: it as a whole, or as words.
+    mutable Expansion value;
+    mutable std::unique_ptr<ArgumentsForm> form;
+    std::unique_ptr<Fault> fault;
 };
 
 struct Block {

@@ -57,7 +57,8 @@ public:
     // Runs a domain instruction; `name` is in lower case. Returns whether the name is known.
     virtual bool execute(Frame& frame, std::string_view name, const ArgumentText& text) = 0;
 
-    // Called once a statement with the statements that are left; false aborts the run.
+    // Called once a statement with the statements that are left; false aborts the run. For the bodies that another
+    // executor carries out, that one is asked.
     virtual bool progress(Frame& frame, std::uint32_t statementsLeft) {
         static_cast<void>(frame);
         static_cast<void>(statementsLeft);

@@ -12,9 +12,9 @@ namespace ZEKT {
 struct Instructions {
     static Arguments arguments(Machine& machine, Frame& frame, const Statement& statement) {
         if (!statement.form) {
-            statement.form = std::make_unique<ArgumentsForm>(statement.rest, machine.variables);
+            statement.form = std::make_unique<ArgumentsForm>(statement.value.source, machine.variables);
         }
-        return Arguments(frame, ArgumentText(statement.rest, *statement.form));
+        return Arguments(frame, ArgumentText(statement.value.source, *statement.form));
     }
 
     static std::vector<std::string> names(const Argument* list) {
@@ -138,12 +138,12 @@ struct Instructions {
     }
 
     static void local(Machine& machine, Frame& frame, const Statement& statement) {
-        if (Variables::isLocal(frame, *statement.target)) {
-            throw RunTimeException("Variable " + statement.target->name + " already declared");
+        if (Variables::isLocal(frame, *statement.symbol)) {
+            throw RunTimeException("Variable " + statement.symbol->name + " already declared");
         }
         std::string value;
         machine.append(frame, statement.value, value);
-        machine.variables.setText(machine.variables.local(frame, *statement.target), value);
+        machine.variables.setText(machine.variables.local(frame, *statement.symbol), value);
     }
 
     static void giveBack(Machine& machine, Frame& frame, const Statement& statement) {
@@ -154,20 +154,22 @@ struct Instructions {
         if (statement.hasValue) {
             machine.append(frame, statement.value, value);
         } else {
-            value = machine.variables.text(machine.existing(frame, *statement.target));
+            value = machine.variables.text(machine.existing(frame, *statement.symbol));
             machine.work(value.size());
         }
-        machine.variables.setText(machine.variables.local(*frame.parent(), *statement.target), value);
+        machine.variables.setText(machine.variables.local(*frame.parent(), *statement.symbol), value);
     }
 
     // What a called body finds of the arguments behind the first.
-    static void pass(Arguments& given, Frame& callee) {
+    static void pass(Machine& machine, Arguments& given, Frame& callee) {
         std::size_t count = 0;
         for (const Argument* const argument : given.rest(1)) {
+            machine.work(argument->raw().size());
             callee.setLocal(std::to_string(count++), argument->raw());
         }
         callee.setLocal("n", static_cast<double>(count));
         for (const auto& [label, argument] : given.labelled()) {
+            machine.work(argument->raw().size());
             callee.setLocal(label, argument->raw());
         }
     }
@@ -177,7 +179,7 @@ struct Instructions {
         given.requireAny();
         const Argument& body = given.required(0);
         Frame callee(frame);
-        pass(given, callee);
+        pass(machine, given, callee);
         callee.run(body);
     }
 
@@ -190,7 +192,7 @@ struct Instructions {
             throw RunTimeException("Could not include file: " + fileName);
         }
         Frame callee(frame);
-        pass(given, callee);
+        pass(machine, given, callee);
         callee.run(std::string_view(*text));
     }
 
@@ -210,9 +212,11 @@ struct Instructions {
         const Argument* const expand = given.optional("expand");
         given.finish();
         const bool expanded = expand != nullptr && expand->boolean();
+        for (const Binding* binding = frame.bindings_; binding != nullptr; binding = binding->nextInFrame) {
+            machine.work(64 + binding->value.text.size()); // there may be many
+        }
         std::string line;
         for (const Frame::Variable& variable : frame.variables()) {
-            machine.work(variable.text.size());
             line.append(line.empty() ? "" : "|").append(variable.name).append("=");
             line.append(expanded ? machine.expand(frame, variable.text) : variable.text);
             Machine::checkLength(line.size());

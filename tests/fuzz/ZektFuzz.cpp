@@ -39,7 +39,7 @@ public:
 
     // Long runs find nothing that short ones do not.
     bool progress(ZEKT::Frame&, std::uint32_t statementsLeft) override {
-        return statementsLeft + 2000 > ZEKT::kStatementLimit;
+        return statementsLeft + 500 > ZEKT::kStatementLimit;
     }
 
     std::optional<std::string> loadInclude(const std::string& fileName) override { return fileName; }
