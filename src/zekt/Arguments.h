@@ -82,8 +82,12 @@ private:
     friend struct Instructions;
 
     std::string expandedInside() const;
-    // Elements as text(), or only expanded, as a variable takes them.
-    std::vector<std::string> elements(const ListRules& rules, bool final) const;
+    // What stands inside outer quotes or brackets, if any.
+    std::string_view content() const;
+    // Calls take(element) with each, expanded as a variable takes them.
+    template <typename Take>
+    void forElements(const ListRules& rules, Take take) const;
+    std::vector<std::string> expandedElements() const;
 
     Frame* frame_ = nullptr;
     std::string_view raw_;

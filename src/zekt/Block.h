@@ -20,6 +20,11 @@ struct ArgumentsForm;
 struct Block;
 struct BuiltIn;
 
+struct ElementForms {
+    bool commasInParentheses;
+    std::vector<Expansion> elements;
+};
+
 // One argument. The forms of a literal's inside are made when it is first used so.
 struct WordForm {
     WordForm();
@@ -33,6 +38,7 @@ struct WordForm {
     bool bracketed = false; // of a literal
     bool quoted = false;
     mutable std::unique_ptr<Expansion> inside;
+    mutable std::unique_ptr<ElementForms> elements; // of a bracketed list
     mutable std::unique_ptr<Block> body;
     mutable std::unique_ptr<ArgumentsForm> arguments;
 };

@@ -104,7 +104,7 @@ struct Instructions {
         if (const Argument* const list = given.optional("in")) {
             const Argument* const reverse = given.optional("reverse");
             given.finish();
-            auto elements = list->elements({}, false);
+            auto elements = list->expandedElements();
             const bool backwards = reverse != nullptr && reverse->boolean();
             Loop loop(machine, frame, body);
             listLoop(machine, frame, variable, loop, std::move(elements), backwards);
