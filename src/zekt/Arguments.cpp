@@ -55,12 +55,12 @@ std::vector<std::string_view> split(std::string_view text, bool commasInParenthe
 
 void checkCount(std::size_t count, const ListRules& rules) {
     if (count < rules.atLeast) {
-        throw RunTimeException("Too few list elements (got " + std::to_string(count) + ", expected at least " +
-                               std::to_string(rules.atLeast) + ")");
+        throw RunTimeException("Too few list elements (got " + std::to_string(count) +
+                               ", expected at least " + std::to_string(rules.atLeast) + ")");
     }
     if (count > rules.atMost) {
-        throw RunTimeException("Too many list elements (got " + std::to_string(count) + ", expected at most " +
-                               std::to_string(rules.atMost) + ")");
+        throw RunTimeException("Too many list elements (got " + std::to_string(count) +
+                               ", expected at most " + std::to_string(rules.atMost) + ")");
     }
 }
 
@@ -158,7 +158,8 @@ std::vector<std::string> Argument::list(const ListRules& rules) const {
         if (Lexical::isBracketed(element)) {
             elements.push_back(withoutEscapes(frame_->machine_.expand(*frame_, Lexical::inside(element))));
         } else {
-            elements.push_back(withoutEscapes(Lexical::isQuoted(element) ? Lexical::inside(element) : element));
+            elements.push_back(
+                withoutEscapes(Lexical::isQuoted(element) ? Lexical::inside(element) : element));
         }
     });
     return elements;

@@ -1,6 +1,6 @@
-// The parsed form of a sequence of statements. Parsing finds where statements end and what they begin with; the
-// arguments are parsed when a statement first runs, bodies among them when they first run. What is wrong with
-// the text is kept as a fault of the statement in which it would have been noticed.
+// The parsed form of a sequence of statements. Parsing finds where statements end and what they begin with;
+// the arguments are parsed when a statement first runs, bodies among them when they first run. What is wrong
+// with the text is kept as a fault of the statement in which it would have been noticed.
 #pragma once
 
 #include "zekt/Expansion.h"

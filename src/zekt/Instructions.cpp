@@ -76,8 +76,8 @@ struct Instructions {
         Block& body_;
     };
 
-    static void countedLoop(Machine& machine, Frame& frame, Symbol& counter, Loop& loop, double from, double to,
-                            double step) {
+    static void countedLoop(Machine& machine, Frame& frame, Symbol& counter, Loop& loop, double from,
+                            double to, double step) {
         const double least = std::min(from, to);
         const double greatest = std::max(from, to);
         for (double value = from; value >= least && value <= greatest; value += step) {
@@ -228,19 +228,19 @@ struct Instructions {
 namespace {
 
 constexpr BuiltIn kBuiltIns[] = {
-    {"format", false, Instructions::format},   {"if", false, Instructions::conditional},
-    {"for", false, Instructions::loopFor},     {"repeat", false, Instructions::repeat},
-    {"local", true, Instructions::local},      {"return", true, Instructions::giveBack},
-    {"call", false, Instructions::call},       {"include", false, Instructions::include},
-    {"stop", false, Instructions::stop},       {"trace", false, Instructions::trace},
+    {"format", false, Instructions::format}, {"if", false, Instructions::conditional},
+    {"for", false, Instructions::loopFor},   {"repeat", false, Instructions::repeat},
+    {"local", true, Instructions::local},    {"return", true, Instructions::giveBack},
+    {"call", false, Instructions::call},     {"include", false, Instructions::include},
+    {"stop", false, Instructions::stop},     {"trace", false, Instructions::trace},
     {"_debug", false, Instructions::debug},
 };
 
 } // namespace
 
 const BuiltIn* findBuiltIn(std::string_view name) {
-    const auto* const found =
-        std::find_if(std::begin(kBuiltIns), std::end(kBuiltIns), [name](const BuiltIn& row) { return row.name == name; });
+    const auto* const found = std::find_if(std::begin(kBuiltIns), std::end(kBuiltIns),
+                                           [name](const BuiltIn& row) { return row.name == name; });
     return found == std::end(kBuiltIns) ? nullptr : found;
 }
 

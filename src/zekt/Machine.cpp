@@ -92,7 +92,8 @@ Block& Machine::body(const Argument& argument, std::shared_ptr<Block>& keep) {
         }
         return *body;
     }
-    const std::string text = argument.bracketed_ ? std::string(Lexical::inside(argument.raw_)) : argument.text();
+    const std::string text =
+        argument.bracketed_ ? std::string(Lexical::inside(argument.raw_)) : argument.text();
     if (text.size() > kLongestBody) {
         failAtTextLimit();
     }
@@ -148,7 +149,8 @@ void Machine::executeDomain(Frame& frame, const Statement& statement) {
         statement.form = std::make_unique<ArgumentsForm>(statement.value.source, variables);
     }
     const std::string& name = statement.symbol->name;
-    if (!frame.executor_.execute(frame, name, ArgumentText(statement.value.source, *statement.form)) && name != "meta") {
+    if (!frame.executor_.execute(frame, name, ArgumentText(statement.value.source, *statement.form)) &&
+        name != "meta") {
         throw SyntaxException("Unrecognized instruction: " + name);
     }
 }

@@ -1,5 +1,5 @@
-// Any script ends, in bounded time, with an error of this language or none; and a second run of the kept parsed
-// forms does what the first did.
+// Any script ends, in bounded time, with an error of this language or none; and a second run of the kept
+// parsed forms does what the first did.
 #include "zekt/Interpreter.h"
 
 #include <cstdint>
