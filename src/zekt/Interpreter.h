@@ -27,7 +27,7 @@ inline constexpr std::uint32_t kNestingLimit = 50;          // "Recursion limit 
 // patience, long before the statements run out.
 inline constexpr std::size_t kLongestText = 8U << 20;
 inline constexpr std::size_t kMostVariableText = 64U << 20; // of all variables together
-inline constexpr std::size_t kLongestBody = 1U << 20;       // run from a variable rather than as it stands
+inline constexpr std::size_t kLongestBody = 256U << 10;      // run from a variable rather than as it stands
 inline constexpr std::size_t kMostElements = 1'000'000;     // of a list
 inline constexpr std::size_t kMostWords = 100'000;          // of an instruction's arguments
 inline constexpr std::size_t kMostWork =

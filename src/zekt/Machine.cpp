@@ -8,7 +8,7 @@ namespace ZEKT {
 
 namespace {
 
-constexpr std::size_t kMostBlocksSize = 4U << 20; // of the texts whose parsed forms are kept
+constexpr std::size_t kMostBlocksSize = 1U << 20; // of the texts whose parsed forms are kept
 
 // One level of nesting, given back however the block ends.
 class Level {
