@@ -16,3 +16,15 @@ murmelon_static_library(murmelon_zlib libz.a)
 
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
+
+# Header templates alone, seen by the drawing room only. Their warnings are not ours.
+find_path(AGG_INCLUDE_DIR agg_rasterizer_cells_aa.h PATH_SUFFIXES agg2 REQUIRED)
+add_library(murmelon_agg INTERFACE)
+target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
+
+# The command's own.
+pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
+pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)
+pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)
