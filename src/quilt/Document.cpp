@@ -1,12 +1,10 @@
 #include "quilt/Document.h"
 
-#include "notation/Compound.h"
-#include "quilt/Bounds.h"
+#include "metatext/MetaText.h"
 #include "quilt/Editor.h"
-#include "quilt/LayoutError.h"
 #include "quilt/View.h"
-#include "quilt/ViewBuilder.h"
 #include "quilt/actions/Actions.h"
+#include "tombola/Processor.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -62,6 +60,19 @@ std::string Document::translate(std::string_view text) const {
 
 void Document::reportError(const std::string& title, const std::string& message, const std::string& detail) {
     editor_.errors().add({title, message, detail, translations_});
+}
+
+std::string Document::expand(std::string_view text) const {
+    return Quilt::expandMetaText(text, {[this](const std::string& name) { return variables().get(name); },
+                                        [this](const std::string& source) { return translate(source); }});
+}
+
+std::string Document::expandMacros(std::string_view text) {
+    if (macros_ == nullptr) {
+        return std::string(text);
+    }
+    return Quilt::expandMacros(
+        text, *macros_, [this](const std::string& title, const std::string& message) { reportError(title, message); });
 }
 
 std::string Document::expandMetaText(std::string_view text) {

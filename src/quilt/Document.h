@@ -103,7 +103,7 @@ private:
     };
 
     void build(const Rectangle& enclosing, bool reload);
-    std::string obtainText();
+    std::unique_ptr<Stackbrace::Document> expandDocument(std::string text);
     void readDocument(const Stackbrace::Document& document, const Rectangle& enclosing, bool reload);
     void readAutoexecs(const Stackbrace::Element& list, bool reload);
     void readTranslations(const Stackbrace::Element& structure);

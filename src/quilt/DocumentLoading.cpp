@@ -7,6 +7,7 @@
 #include "quilt/LayoutError.h"
 #include "quilt/View.h"
 #include "quilt/ViewBuilder.h"
+#include "tombola/Processor.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -52,20 +53,35 @@ void Document::load(const Rectangle& enclosing, bool reload) {
     startAutoexecs();
 }
 
+std::unique_ptr<Stackbrace::Document> Document::expandDocument(std::string text) {
+    const auto& source = editor_.services().documents;
+    macros_ = std::make_unique<Tombola::Processor>(
+        [&source](const std::string& name) -> std::optional<std::string> {
+            try {
+                return source.obtain(name);
+            } catch (const std::exception&) {
+                return std::nullopt; // the processor says which name it could not load
+            }
+        });
+    std::string expanded;
+    const auto positions = std::make_shared<Tombola::PositionMap>();
+    macros_->process(name_, std::move(text), expanded, positions.get());
+    return std::make_unique<Stackbrace::Document>(std::move(expanded), name_, positions);
+}
+
 void Document::build(const Rectangle& enclosing, bool reload) {
-    std::string text;
+    const char* stage = "Error obtaining quilt";
     try {
-        if (!name_.empty()) {
-            text = editor_.services().documents.obtain(name_);
-        }
+        std::string text = name_.empty() ? std::string() : editor_.services().documents.obtain(name_);
+        stage = kLoadErrorTitle;
+        readDocument(*expandDocument(std::move(text)), enclosing, reload);
     } catch (const std::exception& error) {
-        reportError("Error obtaining quilt", error.what());
+        reportError(stage, error.what(), "Document " + name_);
     }
-    try {
-        const auto document = expandDocument(std::move(text));
-        readDocument(*document, enclosing, reload);
-    } catch (const std::exception& error) {
-        reportError(kLoadErrorTitle, error.what(), "Document " + name_);
+    if (root_ == nullptr && !reload) {
+        // Nothing to show, but there has to be a surface to show it on.
+        bounds_ = {0, 0, enclosing.width, enclosing.height};
+        root_ = std::make_unique<View>(*this, "document", scale_.toPixels(bounds_));
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace Quilt {
 
@@ -40,7 +41,10 @@ Editor::~Editor() {
 Scale Editor::userScale() const {
     try {
         if (const auto text = variables_.find("uiScale")) {
-            return Scale::fromText(*text);
+            const auto scale = Scale::fromText(*text);
+            if (scale.factor() >= kSmallestScale && scale.factor() <= kLargestScale) {
+                return scale;
+            }
         }
     } catch (const std::invalid_argument&) {
         // A scale that nobody can draw must not keep the editor from coming up.
@@ -191,6 +195,16 @@ void Editor::show(const ErrorQueue::Error& error) {
                                           errorShown_ = false; // the next one comes with the next tick
                                       }
                                   });
+}
+
+void Editor::editText(TextEdit edit) {
+    textEdit_ = std::move(edit);
+}
+
+void Editor::endTextEdit(std::optional<std::string> typed) {
+    if (const auto edit = std::exchange(textEdit_, std::nullopt); edit && typed) {
+        edit->typed(*std::move(typed));
+    }
 }
 
 void Editor::invalidate(const Rectangle& part) {

@@ -14,6 +14,7 @@
 #include "quilt/ErrorQueue.h"
 #include "quilt/Geometry.h"
 #include "quilt/Scale.h"
+#include "quilt/TextEdit.h"
 #include "quilt/VariableProvider.h"
 #include "quilt/Variables.h"
 
@@ -71,10 +72,18 @@ public:
     const Services& services() const { return services_; }
     ErrorQueue& errors() { return errors_; }
 
+    static constexpr double kSmallestScale = 0.125;
+    static constexpr double kLargestScale = 8;
+
     // Of the variable `uiScale`; 1/1 when it says nothing of use.
     Scale userScale() const;
 
     void invalidate(const Rectangle& part);
+
+    // Puts a field over the surface, in place of one that is there.
+    void editText(TextEdit edit);
+    void endTextEdit(std::optional<std::string> typed);
+    const TextEdit* textEdit() const { return textEdit_ ? &*textEdit_ : nullptr; }
 
 private:
     friend class Document; // enters and leaves itself
@@ -95,6 +104,7 @@ private:
     std::vector<Document*> documents_; // all that are alive, parents before what is nested in them
     std::unique_ptr<Document> document_;
     std::unique_ptr<View> root_; // goes before its document
+    std::optional<TextEdit> textEdit_;
     std::uint64_t seenChanges_ = 0;
     bool reloadRequested_ = false;
     bool updateRequested_ = false;

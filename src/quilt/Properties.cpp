@@ -35,7 +35,8 @@ std::optional<Number> readWhole(std::string_view text) {
 }
 
 bool isOneOf(std::string_view word, std::string_view choices) {
-    return std::ranges::find(words(choices), word) != words(choices).end();
+    const auto all = words(choices);
+    return std::ranges::find(all, word) != all.end();
 }
 
 std::string listed(std::string_view choices) {

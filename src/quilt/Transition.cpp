@@ -71,7 +71,9 @@ Transitions readTransitions(const Stackbrace::Element& element) {
                 return readTransition(*found, direction);
             }
         }
-        return Transition{.direction = direction};
+        Transition none;
+        none.direction = direction;
+        return none;
     };
     Transitions transitions;
     transitions.open = read("open", "open", Direction::incoming);

@@ -62,7 +62,16 @@ Cursor View::cursor(Point) const {
 void View::refresh() {
     hint_.refresh(*document_);
     visibility_.refresh(*document_);
-    if (const bool visible = visibility_.boolean().value_or(false); visible != visible_) {
+    // Views with no properties are shown and hidden by whoever made them.
+    if (const auto visible = visibility_.boolean()) {
+        show(*visible);
+    } else if (!visibility_.source().empty()) {
+        show(false);
+    }
+}
+
+void View::show(bool visible) {
+    if (visible != visible_) {
         visible_ = true; // what is hidden invalidates nothing
         invalidate();
         visible_ = visible;

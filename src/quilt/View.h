@@ -50,6 +50,7 @@ public:
 
     // Hidden views, and all within them, are neither drawn nor hit.
     bool visible() const { return visible_; }
+    void show(bool visible); // for views with no property of that name
 
     // The view itself, below its children.
     virtual void draw(const DrawContext& context) const { static_cast<void>(context); }
@@ -123,7 +124,7 @@ private:
     Rectangle bounds_;
     View* parent_ = nullptr;
     std::vector<std::unique_ptr<View>> children_;
-    LiveText visibility_{"true"};
+    LiveText visibility_;
     LiveText hint_;
     std::string cursor_;
     bool visible_ = true;

@@ -1,4 +1,5 @@
 // Actions that carry out other actions.
+#include "notation/Quoting.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/actions/Actions.h"

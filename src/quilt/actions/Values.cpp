@@ -1,4 +1,5 @@
 // Actions that write variables.
+#include "expression/Expression.h"
 #include "quilt/Document.h"
 #include "quilt/Properties.h"
 #include "quilt/actions/Actions.h"
@@ -68,7 +69,7 @@ std::string translated(const ActionCall& call, std::string text) {
 
 // An expression in which variables stand by their names.
 std::string calculated(const ActionCall& call, std::string text) {
-    const double value = evaluateNumber(text, [&call](std::string_view name) -> std::optional<double> {
+    const double value = evaluateAll<double>(text, 0.0, [&call](std::string_view name) -> std::optional<double> {
         const auto variable = call.get(name);
         return variable ? wholeNumber(*variable) : std::nullopt;
     });
