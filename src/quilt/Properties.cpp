@@ -327,7 +327,7 @@ Point Properties::offset(std::string_view name) const {
         return {};
     }
     const auto pair = readPair(element(name));
-    constexpr double kFar = 1e6;
+    static constexpr double kFar = 1e6;
     const auto whole = [](double units) {
         return static_cast<std::int32_t>(std::lround(std::clamp(units, -kFar, kFar)));
     };
