@@ -126,9 +126,8 @@ void Editor::settle() {
 }
 
 void Editor::update() {
-    updateRequested_ = false;
     seenChanges_ = variables_.changeCount();
-    variables_.beginUpdate();
+    variables_.beginUpdate(!std::exchange(updateRequested_, false));
     try {
         inTree(*root_, [](View& view) { view.refresh(); });
     } catch (const std::exception& error) {

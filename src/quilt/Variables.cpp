@@ -16,7 +16,7 @@ std::optional<std::string> Variables::read(std::string_view name) const {
 }
 
 std::optional<std::string> Variables::find(std::string_view name) const {
-    if (!updating_) {
+    if (!snapshotUsed_) {
         return read(name);
     }
     if (const auto known = snapshot_.find(name); known != snapshot_.end()) {
@@ -33,7 +33,7 @@ std::string Variables::get(std::string_view name) const {
     if (auto value = find(name)) {
         return *std::move(value);
     }
-    throw std::runtime_error(updating_ ? "Inconsistent variable access"
+    throw std::runtime_error(snapshotUsed_ ? "Inconsistent variable access"
                                        : "Unknown variable: " + std::string(name));
 }
 
@@ -80,13 +80,13 @@ void Variables::release(const Failed& failed) {
     }
 }
 
-void Variables::beginUpdate() {
+void Variables::beginUpdate(bool consistent) {
     hold();
-    updating_ = true;
+    snapshotUsed_ = consistent;
 }
 
 void Variables::endUpdate(const Failed& failed) {
-    updating_ = false;
+    snapshotUsed_ = false;
     snapshot_.clear();
     release(failed);
 }

@@ -42,7 +42,8 @@ public:
     void hold() { ++holds_; }
     void release(const Failed& failed);
 
-    void beginUpdate();
+    // Without `consistent` variables are read as they are: for views that are new and may ask for what nobody has.
+    void beginUpdate(bool consistent = true);
     void endUpdate(const Failed& failed);
 
     // Called after each write, of any variable.
@@ -61,7 +62,7 @@ private:
     std::uint64_t tableChanges_ = 0;
     std::vector<std::pair<std::string, std::string>> queued_;
     int holds_ = 0;
-    bool updating_ = false;
+    bool snapshotUsed_ = false;
     mutable Table snapshot_; // of the update that is on
     std::function<void(std::string_view)> written_;
 };
