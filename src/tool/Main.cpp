@@ -27,6 +27,7 @@ int run(int argc, char** argv) {
     Tool::addStackbraceCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageScriptCommand(program);
 
     try {
         program.parse(argc, argv);
