@@ -42,9 +42,9 @@ TEST(Document, DrawsShapesWithFillAndPen) {
         {"ellipse 10,10,8,2", 3, 10, kBlack},
         {"ellipse 10,10,8,2", 10, 7, 0},
         {"ellipse 10,10,8", 10, 3, kBlack},
-        {"star 10,10,2,9,1", 10, 3, kBlack}, // the first point is up
-        {"star 10,10,2,9,1", 16, 10, 0},
-        {"star 10,10,2,9,1 rotation:90", 16, 10, kBlack},
+        {"star 10,10,2,9,4", 10, 5, kBlack}, // the first point is up
+        {"star 10,10,2,9,4", 16, 10, 0},
+        {"star 10,10,2,9,4 rotation:90", 14, 10, kBlack},
         {"star 10,10,10000,9", 10, 2, kBlack},
         {"path svg:[M0 0H20V20H0ZM5 5H15V15H5Z]", 10, 10, kBlack},
         {"fill red rule:EVEN-ODD; path svg:[M0 0H20V20H0ZM5 5H15V15H5Z]", 10, 10, 0},
@@ -72,7 +72,7 @@ TEST(Document, KeepsAndRestoresTheState) {
         {"scale 1,2; rect 0,0,4,4", 3, 7, kBlack},
         {"rotate 90 anchor:10,10; rect 10,0,2,10", 19, 11, kBlack}, // clockwise
         {"rotate 90; rect 0,-10,5,10", 9, 4, kBlack},
-        {"shear 1,0; rect 0,0,1,10", 8, 8, kBlack},
+        {"shear 1,0; rect 0,0,3,10", 10, 8, kBlack},
         {"matrix 1,0,0,1,10,0; rect 0,0,1,1", 10, 0, kBlack},
         {"matrix 0,2,-2,0,20,0; rect 0,0,5,2", 17, 8, kBlack},
         {"scale 2 anchor:10,10; rect 10,10,1,1", 11, 11, kBlack},
@@ -158,7 +158,7 @@ TEST(Document, PlacesDefinedImages) {
         {"image i align:left,top", 9, 10, 0},
         {"image i align:Bottom,RIGHT", 9, 9, kBlue},
         {"image i align:center,middle", 8, 6, kRed},
-        {"image i align:left,top width:8", 17, 17, kRed}, // as tall as it is wide before
+        {"image i align:left,top width:8", 16, 15, kRed}, // twice as tall, too
         {"image i align:left,top width:8 height:4", 17, 13, kBlue},
         {"image i align:left,top clip:-2,2,4,4", 10, 10, kBlue},
         {"image i clip:0,0,2,2", 8, 10, 0},

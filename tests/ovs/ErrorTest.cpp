@@ -75,7 +75,6 @@ TEST(Errors, OfPaintsAndPens) {
         {"fill red blue", "#Unrecognized labels or too many arguments"},
         {"fill [red blue]", "#Unrecognized labels or too many arguments"},
         {"fill red gradient:[linear 0,0,1,1 from:red to:blue]", "#Unrecognized labels or too many arguments"},
-        {"fill [[red]]", "Invalid color name: [red]"},
         {"fill red transform:[rect 0,0,1,1]", "#Unrecognized instruction: rect"},
         {"fill red transform:[scale 1,2,3]", "Too many list elements (got 3, expected at most 2)"},
         {"fill gradient:[]", "#Missing indexed argument 0"},

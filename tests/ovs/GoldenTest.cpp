@@ -73,6 +73,6 @@ TEST_P(Golden, LooksAsItDid) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pictures, Golden, testing::Values("paints", "strokes", "masks"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& row) { return std::string(row.param); });
 
 } // namespace
