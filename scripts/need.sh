@@ -25,3 +25,4 @@ build_packages=(
 test_packages=(libgtest-dev libgmock-dev)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 googletest make)
