@@ -16,3 +16,10 @@ murmelon_static_library(murmelon_zlib libz.a)
 
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
+
+# The command's own.
+pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
+pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)
+pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
+pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)

@@ -1,5 +1,5 @@
-// What the binary carries within it: layouts, images, fonts, the string table, the factory bank. The files are
-// those of resources/; its CMakeLists.txt says how one gets in. Bytes live as long as the program.
+// What the binary carries within it: layouts, images, fonts, the string table, the factory bank. The files
+// are those of resources/; its CMakeLists.txt says how one gets in. Bytes live as long as the program.
 //
 // A name is found in any case, as "diode_X2" or "DIODE_X2", within one type.
 #pragma once

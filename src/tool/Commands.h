@@ -6,10 +6,13 @@
 
 namespace Tool {
 
+void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
+void addFontCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);
+void addRenderCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
 
 } // namespace Tool

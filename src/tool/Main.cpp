@@ -18,11 +18,14 @@ int run(int argc, char** argv) {
     program.set_version_flag("--version", "murmelon " MURMELON_VERSION);
     program.require_subcommand(1);
 
+    Tool::addRenderCommand(program);
+    Tool::addAnalyzeCommand(program);
     Tool::addParamsCommand(program);
     Tool::addPatchCommand(program);
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addFontCommand(program);
 
     try {
         program.parse(argc, argv);

@@ -1,0 +1,48 @@
+#include "tool/plot/PngFile.h"
+
+#include "platform/AtomicFileWrite.h"
+#include "tool/plot/Canvas.h"
+
+#include <png.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Tool {
+
+namespace {
+
+std::vector<std::uint8_t> bytesOf(const Canvas& canvas) {
+    const auto byte = [](float level) {
+        return static_cast<std::uint8_t>(std::clamp(level, 0.0f, 1.0f) * 255 + 0.5f);
+    };
+    std::vector<std::uint8_t> bytes;
+    for (int y = 0; y < canvas.height(); ++y) {
+        for (int x = 0; x < canvas.width(); ++x) {
+            const Colour colour = canvas.at(x, y);
+            bytes.insert(bytes.end(), {byte(colour.r), byte(colour.g), byte(colour.b)});
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
+void writePng(const std::filesystem::path& path, const Canvas& canvas) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(canvas.width());
+    image.height = static_cast<png_uint_32>(canvas.height());
+    image.format = PNG_FORMAT_RGB;
+    const std::vector<std::uint8_t> bytes = bytesOf(canvas);
+    Platform::atomicFileWrite(path, [&](const std::filesystem::path& temporary) {
+        if (!png_image_write_to_file(&image, temporary.string().c_str(), 0, bytes.data(), 0, nullptr)) {
+            throw std::runtime_error("Could not write " + path.string() + ": " + image.message);
+        }
+    });
+}
+
+} // namespace Tool
