@@ -1,6 +1,5 @@
 // Draws on a surface: fills, strokes and images through a transform and a mask. Neither the surface nor the mask
-// belongs to it. Shapes are rasterised exactly to 1/256 of a pixel's area, with any coordinates: what lies outside
-// is cut off, what is not a number counts as 0.
+// belongs to it. Coordinates may be any numbers: what lies outside is cut off.
 #pragma once
 
 #include "drawing/Paint.h"
