@@ -67,7 +67,8 @@ void EditorBridge::endGesture(std::string_view name) {
 }
 
 std::optional<std::string> EditorBridge::translate(std::string_view text) const {
-    return strings_.find(text);
+    const std::string* found = strings_.find(text);
+    return found ? std::optional(*found) : std::nullopt;
 }
 
 std::string EditorBridge::translated(std::string_view text) const {
