@@ -19,7 +19,7 @@ EditorBridge::EditorBridge(Shell::EffectInstance& effect, Environment& environme
                            const Quilt::StringTable& strings)
     : effect_(effect), environment_(environment), strings_(strings), learn_(effect),
       variables_(effect, environment, learn_), actions_(effect, environment, learn_), seen_(look()) {
-    effect_.setEditorServices(this);
+    effect_.setEditorServices(&services_);
 }
 
 EditorBridge::~EditorBridge() {
@@ -69,10 +69,6 @@ void EditorBridge::endGesture(std::string_view name) {
 std::optional<std::string> EditorBridge::translate(std::string_view text) const {
     const std::string* found = strings_.find(text);
     return found ? std::optional(*found) : std::nullopt;
-}
-
-std::string EditorBridge::translated(std::string_view text) const {
-    return translate(text).value_or(std::string(text));
 }
 
 void EditorBridge::perform(std::string_view action, std::string_view params, Quilt::ActionContext& context) {

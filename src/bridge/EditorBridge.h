@@ -18,8 +18,7 @@
 namespace Bridge {
 
 class EditorBridge final : public Quilt::VariableProvider,
-                           public Quilt::ActionHandler,
-                           private Shell::EditorServices {
+                           public Quilt::ActionHandler {
 public:
     // All must outlive the bridge.
     EditorBridge(Shell::EffectInstance& effect, Environment& environment, const Quilt::StringTable& strings);
@@ -56,10 +55,19 @@ private:
     };
     Seen look() const;
 
-    std::string translated(std::string_view text) const;
-    std::string translateText(std::string_view text) const override { return translated(text); }
-    std::string clipboardText() const override { return environment_.clipboardText(); }
-    void setClipboardText(const std::string& text) override { environment_.setClipboardText(text); }
+    // What the effect's model asks of an editor.
+    class Services final : public Shell::EditorServices {
+    public:
+        explicit Services(const EditorBridge& bridge) : bridge_(bridge) {}
+        std::string translate(std::string_view text) const override { return bridge_.strings_.translate(text); }
+        std::string clipboardText() const override { return bridge_.environment_.clipboardText(); }
+        void setClipboardText(const std::string& text) override {
+            bridge_.environment_.setClipboardText(text);
+        }
+
+    private:
+        const EditorBridge& bridge_;
+    };
 
     Shell::EffectInstance& effect_;
     Environment& environment_;
@@ -67,6 +75,7 @@ private:
     MidiLearn learn_;
     EditorVariables variables_;
     EditorActions actions_;
+    Services services_{*this};
     mutable Seen seen_;
     mutable std::uint64_t changes_ = 1;
 };

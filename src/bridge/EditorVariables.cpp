@@ -285,7 +285,8 @@ std::string EditorVariables::patchIdentity() const {
     Fingerprint contents;
     contents.add(patch.name());
     for (int id = 0; id < Parameters::kCount; ++id) {
-        contents.add(" " + numberText(patch.value(id)));
+        contents.add(" ");
+        contents.add(numberText(patch.value(id)));
     }
     return std::to_string(effect_.programs().current() + 1) + "-" + std::to_string(contents.value());
 }

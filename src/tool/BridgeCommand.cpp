@@ -87,7 +87,40 @@ private:
     bool temporary_;
 };
 
-class Session final : private Bridge::Environment, private Quilt::ActionContext, private Quilt::Desktop {
+// What a user at the desktop would answer, from variables of the instance.
+class AnsweringDesktop final : public Quilt::Desktop {
+public:
+    AnsweringDesktop(Shell::EffectInstance& effect, Platform::Clipboard& clipboard)
+        : effect_(effect), clipboard_(clipboard) {}
+
+    std::string answer(std::string_view name) const {
+        return effect_.keptVariables().get("instance." + std::string(name)).value_or(std::string());
+    }
+
+    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> done) override {
+        std::cerr << message.text << '\n';
+        done(message.buttons.at(message.defaultButton));
+    }
+    void popUpMenu(const std::vector<Quilt::MenuItem>& items, std::optional<Quilt::Rectangle>,
+                   std::function<void(std::optional<int>)> chosen) override {
+        const std::string caption = answer("menuAnswer");
+        const auto item = std::ranges::find_if(items, [&](const Quilt::MenuItem& candidate) {
+            return candidate.enabled && !candidate.caption.empty() && candidate.caption == caption;
+        });
+        chosen(item == items.end() ? std::nullopt : std::optional(item->id));
+    }
+    void launch(const std::string& address) override {
+        throw std::runtime_error("There is no desktop to open " + address);
+    }
+    std::optional<std::string> clipboardText() override { return clipboard_.text(); }
+    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
+
+private:
+    Shell::EffectInstance& effect_;
+    Platform::Clipboard& clipboard_;
+};
+
+class Session final : private Bridge::Environment, private Quilt::ActionContext {
 public:
     explicit Session(const std::string& preferences)
         : folder_(preferences), record_(folder_.file()),
@@ -208,17 +241,14 @@ private:
         bridge_.idle();
     }
 
-    std::string instanceVariable(std::string_view name) const {
-        return bridge_.get("instance." + std::string(name)).value_or(std::string());
-    }
-
     // Bridge::Environment
     void chooseFile(const Bridge::FileQuestion&, Chosen chosen) override {
-        if (const std::string path = instanceVariable("dialogAnswer"); !path.empty()) {
+        if (const std::string path = desktop_.answer("dialogAnswer"); !path.empty()) {
             chosen(Model::pathFromUtf8(path));
         }
     }
     std::string clipboardText() override { return clipboard_.text(); }
+    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
     void tellUser(const std::string& message) override { std::cerr << message << '\n'; }
     void reloadEditor() override {}
 
@@ -237,26 +267,8 @@ private:
     void perform(std::string_view action, std::string_view params) override {
         bridge_.perform(action, params, *this);
     }
-    Quilt::Desktop& desktop() override { return *this; }
+    Quilt::Desktop& desktop() override { return desktop_; }
     std::optional<Quilt::Rectangle> anchor() const override { return std::nullopt; }
-
-    // Quilt::Desktop
-    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> answer) override {
-        std::cerr << message.text << '\n';
-        answer(message.buttons.at(message.defaultButton));
-    }
-    void popUpMenu(const std::vector<Quilt::MenuItem>& items, std::optional<Quilt::Rectangle>,
-                   std::function<void(std::optional<int>)> chosen) override {
-        const std::string caption = instanceVariable("menuAnswer");
-        const auto item = std::ranges::find_if(items, [&](const Quilt::MenuItem& candidate) {
-            return candidate.enabled && !candidate.caption.empty() && candidate.caption == caption;
-        });
-        chosen(item == items.end() ? std::nullopt : std::optional(item->id));
-    }
-    void launch(const std::string& address) override {
-        throw std::runtime_error("There is no desktop to open " + address);
-    }
-    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
 
     PreferencesFolder folder_;
     Platform::SharedFile record_;
@@ -265,6 +277,7 @@ private:
     Shell::EffectInstance effect_;
     Quilt::StringTable strings_;
     Platform::MemoryClipboard clipboard_;
+    AnsweringDesktop desktop_{effect_, clipboard_};
     Bridge::EditorBridge bridge_;
     double phase_ = 0; // of the sine, in turns
 };
