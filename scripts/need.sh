@@ -23,7 +23,6 @@ build_packages=(
     libxcb1-dev libxcb-shm0-dev libxcb-xkb-dev libxkbcommon-dev libxkbcommon-x11-dev
     libcurl4-openssl-dev libdbus-1-dev
 )
-test_packages=(libgtest-dev libgmock-dev)
 demo_packages=(alsa-utils sox)
 test_packages=(libgtest-dev libgmock-dev xvfb libxcb-xtest0-dev xclip dbus-daemon)
 fuzz_packages=(clang-14 libclang-rt-14-dev)

@@ -154,6 +154,7 @@ TEST_F(AnalyzeCommandTest, takesSettingsInTheOrderBankProgramPatchParameters) {
     const Case cases[] = {
         {{"--param", "frameRate=80"}, 80},
         {{"--param", "frameRate:=1"}, 80},
+        {{"--program", "2"}, 40}, // of the factory bank
         {{"--bank", "b.fxb"}, 30},
         {{"--program", "2", "--bank", "b.fxb"}, 10},
         {{"--patch", "half", "--program", "2", "--bank", "b.fxb"}, 30},

@@ -40,6 +40,12 @@ bool canDo(const char* query) {
            });
 }
 
+// Some hosts save from a thread of their own. The rest is the main thread's.
+bool mayComeFromAnyThread(VstInt32 opcode) {
+    return opcode == effGetChunk || opcode == effGetProgram || opcode == effGetProgramName ||
+           opcode == effGetProgramNameIndexed;
+}
+
 EditorKey keyOf(VstInt32 character, VstIntPtr virtualKey, float modifiers) {
     const int held = static_cast<int>(modifiers);
     return {.character = static_cast<char32_t>(character),
@@ -70,7 +76,9 @@ VstIntPtr Vst2Effect::dispatch(VstInt32 opcode, VstInt32 index, VstIntPtr value,
     Call call = {opcode, index, value, ptr, opt};
     aboutPlugin(call) || aboutParameters(call) || aboutPrograms(call) || aboutState(call) || aboutSound(call) ||
         aboutChannels(call) || aboutEditor(call);
-    tellLatency();
+    if (!mayComeFromAnyThread(opcode)) {
+        tellLatency();
+    }
     return call.answer;
 }
 
@@ -172,9 +180,7 @@ bool Vst2Effect::aboutPrograms(Call& call) {
         call.answer = programs.current();
         return true;
     case effSetProgramName:
-        if (call.ptr != nullptr) {
-            instance_.renameProgram(static_cast<const char*>(call.ptr));
-        }
+        renameProgram(static_cast<const char*>(call.ptr));
         return true;
     case effGetProgramName: {
         const auto lock = instance_.lockState();
@@ -194,6 +200,16 @@ bool Vst2Effect::aboutPrograms(Call& call) {
         return true;
     default:
         return false;
+    }
+}
+
+// A host that hands back what it was told, cut to the length that it can take, has renamed nothing.
+void Vst2Effect::renameProgram(const char* name) {
+    std::array<char, kVstMaxProgNameLen + 1> told{};
+    const auto lock = instance_.lockState();
+    copyText(instance_.programs().currentPatch().name(), told.data(), kVstMaxProgNameLen);
+    if (name != nullptr && std::string_view(name) != told.data()) {
+        instance_.renameProgram(name);
     }
 }
 

@@ -80,8 +80,13 @@ int idOf(VstInt32 index) noexcept {
     return kDescriptor.hostOrder[static_cast<std::size_t>(index)];
 }
 
-bool allThere(float** channels, int count) noexcept {
-    return channels != nullptr && channels[0] != nullptr && channels[count - 1] != nullptr;
+// How many of the channels that the host has promised are really there.
+int channelsIn(float** channels, int promised) noexcept {
+    int count = 0;
+    while (channels != nullptr && count < promised && channels[count] != nullptr) {
+        ++count;
+    }
+    return count;
 }
 
 } // namespace
@@ -127,12 +132,12 @@ float Vst2Effect::getParameter(VstInt32 index) const noexcept {
 void Vst2Effect::process(float** in, float** out, VstInt32 samples, bool adding) noexcept {
     audioThread_.store(std::this_thread::get_id(), std::memory_order_relaxed);
     const AudioBuffers buffers = {.in = in,
-                                  .inChannels = inChannels_.load(std::memory_order_relaxed),
+                                  .inChannels = channelsIn(in, inChannels_.load(std::memory_order_relaxed)),
                                   .out = out,
-                                  .outChannels = outChannels_.load(std::memory_order_relaxed),
+                                  .outChannels = channelsIn(out, outChannels_.load(std::memory_order_relaxed)),
                                   .samples = samples,
                                   .adding = adding};
-    if (samples > 0 && allThere(in, buffers.inChannels) && allThere(out, buffers.outChannels)) {
+    if (samples > 0 && buffers.inChannels > 0 && buffers.outChannels > 0) {
         instance_.process(buffers);
     }
 }

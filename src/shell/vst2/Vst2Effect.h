@@ -78,6 +78,7 @@ private:
     bool aboutEditor(Call& call);
 
     void receive(const Vst2::VstEvents* events) noexcept;
+    void renameProgram(const char* name);
     Vst2::VstIntPtr getChunk(bool program, void** data);
     Vst2::VstIntPtr setChunk(bool program, const void* data, Vst2::VstIntPtr size);
     bool setArrangement(const Vst2::VstSpeakerArrangement* in, const Vst2::VstSpeakerArrangement* out);
