@@ -13,7 +13,7 @@ namespace Drawing {
 
 namespace {
 
-constexpr double kTolerance = 0.1; // how far a curve may stray, in pixels
+constexpr double kTolerance = 0.05; // how far a curve may stray, in pixels
 
 unsigned opacityByte(double opacity) {
     return static_cast<unsigned>(std::lround(std::clamp(opacity, 0.0, 1.0) * 255.0));
@@ -196,9 +196,9 @@ struct Canvas::Workshop {
         if (pen.dash + pen.gap > 0.0 && pen.gap > 0.0) {
             dashes.clear();
             cutIntoDashes(lines, pen, dashes);
-            strokeOutline(dashes, pen, scale, outline);
+            strokeOutline(dashes, pen, kTolerance / scale, outline);
         } else {
-            strokeOutline(lines, pen, scale, outline);
+            strokeOutline(lines, pen, kTolerance / scale, outline);
         }
     }
 

@@ -31,9 +31,9 @@ private:
 };
 
 struct DrawOptions {
-    Transform transform;
+    Transform transform = {};
     double gamma = 1.0;        // the coverage of edge pixels is raised to this power
-    double curveQuality = 1.0; // 1: curves stray up to a tenth of a pixel
+    double curveQuality = 1.0; // 1: curves stray up to a twentieth of a pixel
     const Mask* mask = nullptr; // of the surface's size
 };
 

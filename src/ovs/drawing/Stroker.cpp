@@ -13,7 +13,10 @@ namespace {
 // A stroke of one path on the largest surface has about as many visible dashes.
 constexpr double kMostDashes = 100'000.0;
 
-// Wider strokes, in pixels, are rounded off no finer.
+// math_stroke strays so far at a scale of 1.
+constexpr double kFinestStep = 0.125;
+
+// Wider strokes, in the units of that scale, are rounded off no finer.
 constexpr double kWidestFineStroke = 1e5;
 
 // Beyond, sums of squares would leave the range of numbers.
@@ -31,7 +34,7 @@ struct OutlineSink {
 
 class Stroker {
 public:
-    Stroker(const Pen& pen, double scale, Polylines& outline) : caps_(pen.caps), sink_{outline} {
+    Stroker(const Pen& pen, double tolerance, Polylines& outline) : caps_(pen.caps), sink_{outline} {
         math_.width(std::min(pen.width, kWidest));
         math_.line_cap(pen.caps == Caps::butt     ? agg::butt_cap
                        : pen.caps == Caps::square ? agg::square_cap
@@ -42,7 +45,7 @@ public:
         math_.inner_join(agg::inner_jag);
         math_.miter_limit(pen.miterLimit);
         const double finest = kWidestFineStroke / pen.width;
-        math_.approximation_scale(std::max(1e-9, std::min(scale, finest)));
+        math_.approximation_scale(std::max(1e-9, std::min(kFinestStep / tolerance, finest)));
     }
 
     void stroke(const Point* points, std::size_t count, bool closed) {
@@ -199,8 +202,8 @@ private:
 
 } // namespace
 
-void strokeOutline(const Polylines& lines, const Pen& pen, double scale, Polylines& outline) {
-    Stroker stroker(pen, scale, outline);
+void strokeOutline(const Polylines& lines, const Pen& pen, double tolerance, Polylines& outline) {
+    Stroker stroker(pen, tolerance, outline);
     for (const auto& contour : lines.contours) {
         stroker.stroke(lines.points.data() + contour.first, contour.count, contour.closed);
     }

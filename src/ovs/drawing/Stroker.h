@@ -36,9 +36,8 @@ struct Polylines {
     }
 };
 
-// Appends closed contours to `outline`, to be filled non-zero. `scale`: pixels a unit of the lines, times curve quality;
-// round caps and joints are made as fine as that asks.
-void strokeOutline(const Polylines& lines, const Pen& pen, double scale, Polylines& outline);
+// Appends closed contours to `outline`, to be filled non-zero. Round caps and joints stray up to `tolerance`.
+void strokeOutline(const Polylines& lines, const Pen& pen, double tolerance, Polylines& outline);
 
 // The lines cut into dashes. Lines that would make more dashes than anybody can see stay whole.
 void cutIntoDashes(const Polylines& lines, const Pen& pen, Polylines& dashes);
