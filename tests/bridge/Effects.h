@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <stdexcept>
+#include <utility>
 #include <string>
 #include <vector>
 
@@ -103,14 +104,15 @@ private:
         void showMessage(const Quilt::Message&, std::function<void(Quilt::MessageButton)>) override {}
         void popUpMenu(const std::vector<Quilt::MenuItem>& items, std::optional<Quilt::Rectangle>,
                        std::function<void(std::optional<int>)> chosen) override {
-            chosen(choice < items.size() && items[choice].enabled ? std::optional(items[choice].id)
-                                                                  : std::nullopt);
+            const std::size_t index = std::exchange(choice, kNone); // a menu that follows is dismissed
+            chosen(index < items.size() && items[index].enabled ? std::optional(items[index].id) : std::nullopt);
         }
         void launch(const std::string&) override {}
         std::optional<std::string> clipboardText() override { return std::nullopt; }
         void setClipboardText(const std::string&) override {}
 
-        std::size_t choice = 0;
+        static constexpr std::size_t kNone = 1000;
+        std::size_t choice = kNone;
     };
 
     Quilt::StringTable strings_;

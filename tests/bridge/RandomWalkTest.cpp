@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    std::uint32_t pick(std::uint32_t count) { return random_() % count; }
+    std::uint32_t pick(std::uint32_t count) { return static_cast<std::uint32_t>(random_()) % count; }
     std::string one(std::initializer_list<const char*> choices) {
         return choices.begin()[pick(static_cast<std::uint32_t>(choices.size()))];
     }
