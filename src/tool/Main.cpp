@@ -25,11 +25,13 @@ int run(int argc, char** argv) {
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addQuiltCommand(program);
     Tool::addTombolaCommand(program);
     Tool::addExprCommand(program);
     Tool::addMetaTextCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageScriptCommand(program);
 
     try {
         program.parse(argc, argv);
