@@ -27,6 +27,21 @@ void append(std::string& output, std::string_view text) {
     output.append(text);
 }
 
+bool isDirective(std::string_view word) {
+    switch (word.empty() ? '\0' : word.front()) {
+    case 'b':
+        return word == "begin";
+    case 'd':
+        return word == "define";
+    case 'i':
+        return word == "if" || word == "include";
+    case 'r':
+        return word == "redefine";
+    default:
+        return false;
+    }
+}
+
 void addStretch(std::vector<Stretch>& stretches, Stretch stretch) {
     if (!stretches.empty() && !stretch.together) {
         const Stretch& last = stretches.back();
@@ -84,7 +99,7 @@ void Expansion::run(Frame& frame) {
             continue;
         }
         const std::string_view word = in.identifier();
-        if (word == "define" || word == "if" || word == "begin" || word == "include" || word == "redefine") {
+        if (isDirective(word)) {
             // Blanks before a directive go with its line.
             const char* end = sign;
             while (end != from && (end[-1] == ' ' || end[-1] == '\t')) {
