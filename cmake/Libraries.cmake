@@ -13,12 +13,13 @@ endfunction()
 # The symbols of a static library stay inside: the host may carry its own copy with its own planner.
 murmelon_static_library(murmelon_fftw libfftw3f.a)
 murmelon_static_library(murmelon_zlib libz.a)
+murmelon_static_library(murmelon_png libpng.a)
+target_link_libraries(murmelon_png INTERFACE murmelon_zlib m)
 
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
 
 # The command's own.
-pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
 pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)
 pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)

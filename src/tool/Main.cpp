@@ -26,6 +26,7 @@ int run(int argc, char** argv) {
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageCommand(program);
 
     try {
         program.parse(argc, argv);

@@ -1,0 +1,28 @@
+#include "tool/PictureFile.h"
+
+#include "drawing/Compose.h"
+#include "platform/AtomicFileWrite.h"
+
+#include <png.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <vector>
+
+namespace Tool {
+
+void writePicture(const std::filesystem::path& path, const Drawing::ConstSurfaceView& picture) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(picture.width);
+    image.height = static_cast<png_uint_32>(picture.height);
+    image.format = PNG_FORMAT_RGBA;
+    const std::vector<std::uint8_t> bytes = Drawing::straightRGBA(picture);
+    Platform::atomicFileWrite(path, [&](const std::filesystem::path& temporary) {
+        if (!png_image_write_to_file(&image, temporary.string().c_str(), 0, bytes.data(), 0, nullptr)) {
+            throw std::runtime_error("Could not write " + path.string() + ": " + image.message);
+        }
+    });
+}
+
+} // namespace Tool
