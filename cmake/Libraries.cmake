@@ -19,6 +19,11 @@ target_link_libraries(murmelon_png INTERFACE murmelon_zlib m)
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
 
+# Header templates alone, seen by the drawing room only. Their warnings are not ours.
+find_path(AGG_INCLUDE_DIR agg_rasterizer_cells_aa.h PATH_SUFFIXES agg2 REQUIRED)
+add_library(murmelon_agg INTERFACE)
+target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
+
 # The command's own.
 pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
 pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)

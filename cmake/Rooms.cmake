@@ -5,7 +5,8 @@
 #   murmelon_room(engine SOURCES A.cpp B.cpp DEPENDS other_room... PRIVATE library...)
 
 add_library(murmelon_warnings INTERFACE)
-target_compile_options(murmelon_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+target_compile_options(murmelon_warnings INTERFACE
+  "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion>")
 
 function(murmelon_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;DEPENDS;PRIVATE" ${ARGN})

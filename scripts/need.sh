@@ -19,9 +19,11 @@ build_packages=(
     g++ cmake ninja-build pkg-config
     libfftw3-dev zlib1g-dev libpng-dev libfmt-dev
     libsndfile1-dev libsmf-dev libcli11-dev nlohmann-json3-dev
-    libagg-dev libfreetype-dev libharfbuzz-dev libxcb1-dev libxcb-shm0-dev libxkbcommon-dev libxkbcommon-x11-dev
+    libagg-dev libfreetype-dev libharfbuzz-dev
+    libxcb1-dev libxcb-shm0-dev libxcb-xkb-dev libxkbcommon-dev libxkbcommon-x11-dev
     libcurl4-openssl-dev libdbus-1-dev
 )
-test_packages=(libgtest-dev libgmock-dev)
+demo_packages=(alsa-utils sox)
+test_packages=(libgtest-dev libgmock-dev xvfb libxcb-xtest0-dev xclip dbus-daemon)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)

@@ -16,7 +16,8 @@ public:
     LoadedLibrary& operator=(const LoadedLibrary&) = delete;
 
     // A function that the library exports; null: there is none of this name.
-    template <typename Function> Function* function(const char* name) const {
+    template <typename Function>
+    Function* function(const char* name) const {
         return reinterpret_cast<Function*>(symbol(name));
     }
 

@@ -39,7 +39,8 @@ public:
 
     // True when the key was of use. Any other is handed to the host's window.
     virtual bool keyDown(const KeyEvent&) { return false; }
-    virtual bool keyUp(const KeyEvent&) { return false; }
+    // Its own keyDown has decided who gets it.
+    virtual void keyUp(const KeyEvent&) {}
     virtual void focusChanged(bool /*focused*/) {}
 
     // Somebody else has changed the size. What was shown is gone: present all of it again.

@@ -40,11 +40,13 @@ void analyze(const Options& options) {
 
 void addAnalyzeCommand(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    auto* const command =
-        program.add_subcommand("analyze", "Lists or draws what the effect hears in a sound file, frame by frame");
+    auto* const command = program.add_subcommand(
+        "analyze", "Lists or draws what the effect hears in a sound file, frame by frame");
     command->add_option("IN", options->input, "A sound file, mono or stereo, or - for standard input")
         ->required();
-    command->add_option("--csv", options->table, "Writes the frames to this file (default, or -: to standard output)")
+    command
+        ->add_option("--csv", options->table,
+                     "Writes the frames to this file (default, or -: to standard output)")
         ->type_name("FILE");
     command->add_option("--plot", options->picture, "Draws pitch, voicing and level over the spectrogram")
         ->type_name("FILE.png");

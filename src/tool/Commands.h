@@ -15,5 +15,6 @@ void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);
 void addRenderCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
+void addZektCommand(CLI::App& program);
 
 } // namespace Tool

@@ -4,6 +4,7 @@
 #include "model/PatchText.h"
 #include "model/Programs.h"
 #include "parameters/ParameterText.h"
+#include "resources/Resources.h"
 #include "state/BankFile.h"
 #include "state/Chunks.h"
 #include "tool/TextFile.h"
@@ -17,6 +18,11 @@ namespace {
 void installBank(const std::string& chunk, Model::Programs& programs) {
     Model::MidiConfig midiConfig;
     Bnk::readBankChunk(chunk, programs, midiConfig);
+}
+
+std::string factoryBank() {
+    const auto file = Resources::find(Resources::Type::fxb, "factorybank");
+    return std::string(Bnk::chunkOfBankFile(file.value()));
 }
 
 void assign(Model::Patch& patch, const ParameterAssignment& assignment) {
@@ -66,9 +72,7 @@ Model::AtomicPatch readPatchFile(const std::string& file) {
 
 Model::AtomicPatch settingsOf(const EffectOptions& options) {
     Model::Programs programs;
-    if (!options.bank.empty()) {
-        installBank(readBank(options.bank), programs);
-    }
+    installBank(options.bank.empty() ? factoryBank() : readBank(options.bank), programs);
     if (options.program > 0) {
         programs.select(options.program - 1);
     }

@@ -30,7 +30,8 @@ std::string readBank(const std::string& file);
 
 Model::AtomicPatch readPatchFile(const std::string& file);
 
-// What the options come to, without a plug-in. Where no bank is given the default values are the start.
+// What the options come to, without a plug-in. Where no bank is given the factory bank is the start,
+// as in a new plug-in.
 Model::AtomicPatch settingsOf(const EffectOptions& options);
 
 } // namespace Tool

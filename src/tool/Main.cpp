@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addZektCommand(program);
     Tool::addFontCommand(program);
     Tool::addImageCommand(program);
 

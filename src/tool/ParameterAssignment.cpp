@@ -17,10 +17,9 @@ ParameterAssignment readAssignment(std::string_view text) {
     }
     const bool isNormalised = text[equals - 1] == ':';
     const std::string_view value = text.substr(equals + 1);
-    ParameterAssignment assignment{
-        .id = parameterNamed(text.substr(0, isNormalised ? equals - 1 : equals)),
-        .text = std::string(value),
-        .normalised = {}};
+    ParameterAssignment assignment{.id = parameterNamed(text.substr(0, isNormalised ? equals - 1 : equals)),
+                                   .text = std::string(value),
+                                   .normalised = {}};
     if (isNormalised) {
         const auto number = numberOf(value);
         if (!number || *number < 0 || *number > 1) {

@@ -53,7 +53,8 @@ PluginHost::PluginHost(const std::filesystem::path& plugin, double sampleRate, i
     : library_(plugin), sampleRate_(sampleRate), blockSize_(blockSize) {
     const auto enter = library_.function<AEffect*(audioMasterCallback)>(kEntryName);
     if (!enter) {
-        throw std::runtime_error(fmt::format("{} is no VST 2 plug-in: it has no {}", plugin.string(), kEntryName));
+        throw std::runtime_error(
+            fmt::format("{} is no VST 2 plug-in: it has no {}", plugin.string(), kEntryName));
     }
     effect_ = enter(callback);
     if (!effect_ || effect_->magic != kEffectMagic) {

@@ -46,7 +46,8 @@ public:
     int latencySamples() const { return effect_->initialDelay; }
 
     // Up to blockSize samples; two channels each way.
-    void process(const float* const* in, float* const* out, int samples, std::span<const HostMessage> messages);
+    void process(const float* const* in, float* const* out, int samples,
+                 std::span<const HostMessage> messages);
 
 private:
     enum class Kind { bank, program };

@@ -43,8 +43,9 @@ constexpr double kSlowestTempo = 1;
 constexpr double kFastestTempo = 10000;
 
 std::filesystem::path pluginBesideCommand() {
-    return Platform::pathOfThisProgram().replace_filename("murmelon").concat(
-        Platform::LoadedLibrary::kExtension);
+    return Platform::pathOfThisProgram()
+        .replace_filename("murmelon")
+        .concat(Platform::LoadedLibrary::kExtension);
 }
 
 void refuse(const char* what, const std::string& file) {
@@ -180,7 +181,9 @@ void addRenderCommand(CLI::App& program) {
         ->required();
     command->add_option("OUT", options->output, "The file to write: .wav (32-bit float) or .flac (24-bit)")
         ->required();
-    command->add_option("--plugin", options->plugin, "The plug-in's binary (default: the one beside this command)")
+    command
+        ->add_option("--plugin", options->plugin,
+                     "The plug-in's binary (default: the one beside this command)")
         ->type_name("PATH");
     addEffectOptions(*command, options->effect);
     command->add_option("--midi", options->midi, "Plays a MIDI file into the plug-in")->type_name("FILE.mid");

@@ -83,7 +83,8 @@ Sound readSound(const std::string& name) {
         fail("read", name, sf_strerror(nullptr));
     }
     if (info.channels > 2) {
-        fail("read", name, fmt::format("it has {} channels; the effect takes mono and stereo", info.channels));
+        fail("read", name,
+             fmt::format("it has {} channels; the effect takes mono and stereo", info.channels));
     }
     const std::vector<float> samples = readAll(file.get(), info.channels);
     if (samples.empty()) {

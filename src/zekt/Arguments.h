@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,7 +16,8 @@ namespace ZEKT {
 
 class Arguments;
 class Frame;
-struct ArgumentsForm; // the parsed form
+struct ArgumentsForm; // parsed forms
+struct WordForm;
 
 // An instruction's argument text, not expanded yet. The interpreter hands these to executors with their parsed
 // form; a text of one's own makes one, too. Points into the document.
@@ -46,6 +48,10 @@ struct ListRules {
 // throws, "Invalid number: TEXT" for one.
 class Argument {
 public:
+    Argument() = default;
+    Argument(const Argument&) = delete;
+    Argument& operator=(const Argument&) = delete;
+
     std::string text() const;
     std::string keyword() const; // text() in lower case (A to Z)
     double number() const;
@@ -72,30 +78,32 @@ public:
 private:
     friend class Arguments;
     friend class Frame;
-    friend class Instructions;
-    friend struct ArgumentAccess;
+    friend class Machine;
+    friend struct Instructions;
+
+    std::string expandedInside() const;
+    // Elements as text(), or only expanded, as a variable takes them.
+    std::vector<std::string> elements(const ListRules& rules, bool final) const;
 
     Frame* frame_ = nullptr;
     std::string_view raw_;
-    const struct WordForm* form_ = nullptr; // where raw_ is the document's own text
+    const WordForm* form_ = nullptr; // where raw_ is the document's own text
     bool bracketed_ = false;
     bool quoted_ = false;
     bool labelled_ = false;
     bool used_ = false;
-    std::string_view label_;
+    std::string label_;
     std::string storage_; // of raw_, unless that is the document's
-    std::string labelStorage_;
 };
 
 class Arguments {
 public:
     Arguments(Frame& frame, const ArgumentText& text);
     ~Arguments();
-    Arguments(Arguments&&) noexcept;
     Arguments(const Arguments&) = delete;
     Arguments& operator=(const Arguments&) = delete;
 
-    bool empty() const { return arguments_.empty(); }
+    bool empty() const { return count_ == 0; }
     std::size_t indexedCount() const { return indexedCount_; }
     void requireAny() const; // "Missing argument(s)"
 
@@ -119,9 +127,15 @@ public:
     void finish() const;
 
 private:
-    friend class Instructions;
+    friend struct Instructions;
 
-    std::vector<Argument> arguments_;
+    Argument* find(std::size_t index);
+    Argument* find(std::string_view label);
+    void expand(Frame& frame, const WordForm& word, Argument& argument);
+
+    std::unique_ptr<ArgumentsForm> form_; // of a text that came without
+    std::unique_ptr<Argument[]> arguments_;
+    std::size_t count_ = 0;
     std::size_t indexedCount_ = 0;
 };
 

@@ -57,7 +57,11 @@ public:
 
 private:
     friend class Machine;
-    friend struct ArgumentAccess;
+    friend class Argument;
+    friend class Arguments;
+    friend class Variables;
+    friend struct Instructions;
+    friend struct FrameAccess;
 
     Frame(Machine& machine, Executor& executor); // the global frame
 

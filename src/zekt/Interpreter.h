@@ -22,11 +22,14 @@ namespace ZEKT {
 inline constexpr std::uint32_t kStatementLimit = 1'000'000; // "Statements limit reached"
 inline constexpr std::uint32_t kNestingLimit = 50;          // "Recursion limit reached"
 
-// "Text limit reached": a text that doubles with each statement would fill any memory long before the statements
-// run out.
-inline constexpr std::size_t kLongestText = 16U << 20;
+// "Text limit reached": a text that doubles with each statement would fill any memory, and outlast any patience, long
+// before the statements run out.
+inline constexpr std::size_t kLongestText = 8U << 20;
 inline constexpr std::size_t kMostVariableText = 64U << 20; // of all variables together
-inline constexpr std::size_t kMostTextMade = 1U << 30;      // by all expansion in a run: this bounds the time
+inline constexpr std::size_t kLongestBody = 1U << 20;       // run from a variable rather than as it stands
+inline constexpr std::size_t kMostElements = 1'000'000;     // of a list
+inline constexpr std::size_t kMostWords = 100'000;          // of an instruction's arguments
+inline constexpr std::size_t kMostWork = 256U << 20; // characters written or compared, steps of expressions, in a run
 
 class Interpreter {
 public:

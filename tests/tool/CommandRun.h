@@ -32,7 +32,11 @@ protected:
                                     ("murmelon-tool-" + std::to_string(getpid()) + "-" +
                                      testing::UnitTest::GetInstance()->current_test_info()->name());
 
-    void SetUp() override { std::filesystem::create_directories(folder_); }
+    // Settings of whoever runs the tests stay out of it.
+    void SetUp() override {
+        std::filesystem::create_directories(folder_);
+        setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+    }
     void TearDown() override { std::filesystem::remove_all(folder_); }
 
     void write(const std::string& name, const std::string& contents) const {

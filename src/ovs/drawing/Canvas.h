@@ -1,6 +1,5 @@
 // Draws on a surface: fills, strokes and images through a transform and a mask. Neither the surface nor the mask
-// belongs to it. Shapes are rasterised exactly to 1/256 of a pixel's area, with any coordinates: what lies outside
-// is cut off, what is not a number counts as 0.
+// belongs to it. Coordinates may be any numbers: what lies outside is cut off.
 #pragma once
 
 #include "drawing/Paint.h"
@@ -32,9 +31,9 @@ private:
 };
 
 struct DrawOptions {
-    Transform transform;
+    Transform transform = {};
     double gamma = 1.0;        // the coverage of edge pixels is raised to this power
-    double curveQuality = 1.0; // 1: curves stray up to a tenth of a pixel
+    double curveQuality = 1.0; // 1: curves stray up to a twentieth of a pixel
     const Mask* mask = nullptr; // of the surface's size
 };
 

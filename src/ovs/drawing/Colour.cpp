@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -58,10 +59,15 @@ double component(std::string_view kind, std::size_t position, std::string_view t
     }
     double value = 0.0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error == std::errc::result_out_of_range && !digits.starts_with("0.") && !digits.starts_with('.')) {
-        throw ColourError("Number overflow");
+    if (error == std::errc::result_out_of_range) { // too large, or merely too near to 0
+        value = std::strtod(std::string(digits).c_str(), nullptr);
+        if (std::isinf(value)) {
+            throw ColourError("Number overflow");
+        }
+    } else if (error != std::errc() || !std::isfinite(value)) {
+        throw ColourError("Invalid number: " + std::string(text));
     }
-    if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(value)) {
+    if (end != digits.data() + digits.size()) {
         throw ColourError("Invalid number: " + std::string(text));
     }
     if (!(value >= 0.0 && value <= 1.0)) {

@@ -61,7 +61,7 @@ struct Paint {
     std::variant<Colour, LinearGradient, RadialGradient, Pattern> source = kBlack;
     double opacity = 1.0;
     bool relative = false;
-    Transform transform; // of the paint within the user units or the shape's bounds
+    Transform transform = {}; // of the paint within the user units or the shape's bounds
 
     // Paints nothing at all: shapes are not even rasterised.
     bool isInvisible() const {

@@ -1,9 +1,8 @@
 #include "drawing/PathData.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
-#include <optional>
+#include <cstdlib>
 #include <string>
 
 namespace Drawing {

@@ -12,9 +12,6 @@ namespace {
 
 constexpr std::uint32_t kMagic = 0xA5B65191;
 
-// Tells plug-ins, and layouts, that share a store apart.
-constexpr std::uint32_t kBankTag = 1;
-
 } // namespace
 
 bool readStartupBank(std::string_view entry, Model::Programs& programs) {

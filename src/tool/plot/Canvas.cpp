@@ -31,8 +31,12 @@ struct Box {
 };
 
 Box boxAround(Point a, Point b, float margin) {
-    const auto low = [margin](float p, float q) { return static_cast<int>(std::floor(std::min(p, q) - margin)); };
-    const auto high = [margin](float p, float q) { return static_cast<int>(std::ceil(std::max(p, q) + margin)); };
+    const auto low = [margin](float p, float q) {
+        return static_cast<int>(std::floor(std::min(p, q) - margin));
+    };
+    const auto high = [margin](float p, float q) {
+        return static_cast<int>(std::ceil(std::max(p, q) + margin));
+    };
     return {low(a.x, b.x), low(a.y, b.y), high(a.x, b.x), high(a.y, b.y)};
 }
 
@@ -41,7 +45,8 @@ class Mask {
 public:
     Mask(const Box& box)
         : box_(box), width_(std::max(box.right - box.left, 0)),
-          cover_(static_cast<std::size_t>(width_) * static_cast<std::size_t>(std::max(box.bottom - box.top, 0))) {}
+          cover_(static_cast<std::size_t>(width_) *
+                 static_cast<std::size_t>(std::max(box.bottom - box.top, 0))) {}
 
     const Box& box() const { return box_; }
     float at(int x, int y) const { return cover_[index(x, y)]; }
@@ -74,7 +79,8 @@ private:
 } // namespace
 
 Colour blend(Colour from, Colour to, float part) {
-    return {from.r + part * (to.r - from.r), from.g + part * (to.g - from.g), from.b + part * (to.b - from.b)};
+    return {from.r + part * (to.r - from.r), from.g + part * (to.g - from.g),
+            from.b + part * (to.b - from.b)};
 }
 
 Canvas::Canvas(int width, int height, Colour background)

@@ -93,7 +93,8 @@ private:
     }
 
     // A run of frames that sound.
-    template <typename Draw> void eachRun(Draw draw) const {
+    template <typename Draw>
+    void eachRun(Draw draw) const {
         const auto& frames = list_.frames;
         for (auto begin = frames.begin(); begin != frames.end();) {
             begin = std::ranges::find(begin, frames.end(), false, &AnalysedFrame::silent);
@@ -152,7 +153,8 @@ private:
             }
             const float at = kSpectrum.y(frequencyPart(hertz));
             const auto left = static_cast<float>(kSpectrum.left);
-            canvas_.draw(std::array{Stroke{{left, at}, {static_cast<float>(kSpectrum.right), at}}}, 1, kInk, 0.1f);
+            canvas_.draw(std::array{Stroke{{left, at}, {static_cast<float>(kSpectrum.right), at}}}, 1, kInk,
+                         0.1f);
             drawText(canvas_, {left - 10, at + kCapHeight / 2}, Align::right,
                      hertz < 1000 ? fmt::format("{} Hz", hertz) : fmt::format("{} kHz", hertz / 1000), kInk);
         }
@@ -205,7 +207,8 @@ private:
                                   kVoicing.bottom, voicingColour(frames[i]), 0.9f);
         }
         const float labels = static_cast<float>(kVoicing.left) - 10;
-        drawText(canvas_, {labels, static_cast<float>(kVoicing.top) + kCapHeight}, Align::right, "voiced", kInk);
+        drawText(canvas_, {labels, static_cast<float>(kVoicing.top) + kCapHeight}, Align::right, "voiced",
+                 kInk);
         drawText(canvas_, {labels, static_cast<float>(kVoicing.bottom)}, Align::right, "noise", kInk);
     }
 
@@ -225,7 +228,9 @@ private:
         drawText(canvas_, {static_cast<float>(kSpectrum.right), kBase}, Align::right, rate, kFaintInk);
     }
 
-    static Colour voicingColour(const AnalysedFrame& frame) { return blend(kVoiced, kUnvoiced, frame.unvoiced); }
+    static Colour voicingColour(const AnalysedFrame& frame) {
+        return blend(kVoiced, kUnvoiced, frame.unvoiced);
+    }
 
     const Sound& sound_;
     const FrameList& list_;

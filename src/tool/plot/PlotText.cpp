@@ -7,8 +7,9 @@ namespace Tool {
 
 namespace {
 
-// A letter is a few strokes, apart by blanks. A point is a digit for x and a letter for y: c is the base line,
-// g the height of small letters, i of capitals, a the descent. ~ begins a stroke whose corners are rounded.
+// A letter is a few strokes, apart by blanks. A point is a digit for x and a letter for y: c is the base
+// line, g the height of small letters, i of capitals, a the descent. ~ begins a stroke whose corners are
+// rounded.
 struct Letter {
     char character;
     int width;

@@ -9,7 +9,8 @@ namespace Tool {
 
 enum class Align { left, centre, right };
 
-// `at` is on the base line, at the edge or middle that `align` names. Characters without a letter show as blanks.
+// `at` is on the base line, at the edge or middle that `align` names. Characters without a letter show as
+// blanks.
 void drawText(Canvas& canvas, Point at, Align align, std::string_view text, Colour colour);
 
 float textWidth(std::string_view text);

@@ -15,8 +15,8 @@ class Spectrogram {
 public:
     explicit Spectrogram(const Sound& sound);
 
-    // Levels in dB at these frequencies (Hz, rising), around the given second. Between two of them the loudest
-    // counts, so that no line falls through.
+    // Levels in dB at these frequencies (Hz, rising), around the given second. Between two of them the
+    // loudest counts, so that no line falls through.
     std::vector<float> levels(double second, const std::vector<double>& hertz);
 
 private:

@@ -1,0 +1,231 @@
+#include "instance/AudioPath.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Shell {
+
+namespace {
+
+constexpr int kNothingLearned = -1;
+constexpr int kLearnedKey = 256; // added to a key's number
+
+constexpr Engine::MidiEvent kAllNotesOff = {.status = 0xB0, .data1 = 123};
+constexpr int kFirstModeMessage = 120; // not a controller that anybody would assign
+
+constexpr double kSecondsPerMinute = 60;
+
+Engine::ParameterValues valuesOf(const Model::AtomicPatch& patch) noexcept {
+    using namespace Parameters;
+    return {patch.value(Id::sampleRate), patch.value(Id::sync),     patch.value(Id::frameRate),
+            patch.value(Id::midi),       patch.value(Id::pitch),    patch.value(Id::tracking),
+            patch.value(Id::detune),     patch.value(Id::noiseAdjust), patch.value(Id::mix),
+            patch.value(Id::legacyMode)};
+}
+
+void silence(const AudioBuffers& buffers) noexcept {
+    for (int channel = 0; channel < buffers.outChannels && !buffers.adding; ++channel) {
+        std::fill_n(buffers.out[channel], buffers.samples, 0.0f);
+    }
+}
+
+} // namespace
+
+AudioPath::AudioPath(Model::Programs& programs, const Model::MidiMapping& mapping)
+    : programs_(programs), mapping_(mapping), learned_(kNothingLearned), engine_(feedbacks_) {}
+
+void AudioPath::setSampleRate(double hertz) {
+    const EngineGate::Stay stay(gate_);
+    engine_.setSampleRate(hertz);
+    sampleRate_.store(hertz, std::memory_order_relaxed);
+    forget();
+}
+
+void AudioPath::reset() {
+    const EngineGate::Stay stay(gate_);
+    engine_.reset();
+    forget();
+}
+
+void AudioPath::forget() noexcept {
+    router_.reset();
+    received_.drain([](const Engine::MidiEvent&) {});
+    injected_.drain([](const Engine::MidiEvent&) {});
+    engineEventCount_ = 0;
+    lastSongPosition_.reset();
+}
+
+int AudioPath::latencySamples() const noexcept {
+    return engine_.latencySamples(programs_.currentPatch().value(Parameters::sampleRate));
+}
+
+void AudioPath::inject(Model::MidiMessage message) noexcept {
+    injected_.push({.status = message.status, .data1 = message.data1, .data2 = message.data2});
+}
+
+void AudioPath::process(const AudioBuffers& buffers, const HostTransport& host) noexcept {
+    if (!gate_.tryEnter()) {
+        silence(buffers);
+        return;
+    }
+    followTransport(host);
+    const bool lost = takeEvents();
+    int position = 0;
+    for (std::size_t i = 0; i < eventCount_; ++i) {
+        Engine::MidiEvent event = events_[i];
+        event.sampleOffset = std::clamp(event.sampleOffset, position, std::max(buffers.samples, position));
+        const Model::MidiMessage message = {event.status, event.data1, event.data2};
+        learn(message);
+        const Model::MidiRoute route = router_.route(mapping_, message);
+        if (route.parameter >= 0 || route.program >= 0) {
+            runTo(buffers, position, event.sampleOffset);
+            apply(route);
+        }
+        if (route.toEngine && engineEventCount_ < kMostEvents) {
+            engineEvents_[engineEventCount_++] = event;
+        }
+    }
+    runTo(buffers, position, buffers.samples);
+    if (lost && engineEventCount_ < engineEvents_.size()) {
+        engineEvents_[engineEventCount_++] = kAllNotesOff; // among what is lost may be the end of a note
+    }
+    for (std::size_t i = 0; i < engineEventCount_; ++i) {
+        engineEvents_[i].sampleOffset = 0; // timed behind this block's end: the next one begins with it
+    }
+    gate_.leave();
+}
+
+// A host that stands still may go on telling where. Frames follow the song only while it moves; else they
+// would be thrown back to the same point block after block.
+void AudioPath::followTransport(const HostTransport& host) noexcept {
+    if (host.tempo && std::isfinite(*host.tempo) && *host.tempo > 0) {
+        transport_.tempo = *host.tempo;
+    }
+    transport_.songPosition.reset();
+    if (host.songPosition && std::isfinite(*host.songPosition)) {
+        if (host.playing || lastSongPosition_ != host.songPosition) {
+            transport_.songPosition = host.songPosition;
+        }
+        lastSongPosition_ = host.songPosition;
+    }
+}
+
+bool AudioPath::takeEvents() noexcept {
+    eventCount_ = 0;
+    injected_.drain([this](const Engine::MidiEvent& event) { sortIn(event); });
+    received_.drain([this](const Engine::MidiEvent& event) { sortIn(event); });
+    const bool lostReceived = received_.takeOverflow();
+    return injected_.takeOverflow() || lostReceived;
+}
+
+// Hosts send events in order, nearly always.
+void AudioPath::sortIn(const Engine::MidiEvent& event) noexcept {
+    if (eventCount_ == kMostEvents) {
+        return;
+    }
+    std::size_t at = eventCount_++;
+    for (; at > 0 && events_[at - 1].sampleOffset > event.sampleOffset; --at) {
+        events_[at] = events_[at - 1];
+    }
+    events_[at] = event;
+}
+
+void AudioPath::apply(const Model::MidiRoute& route) noexcept {
+    if (route.parameter >= 0) {
+        programs_.currentPatch().setValue(route.parameter, route.value);
+        moved_.fetch_or(1u << route.parameter, std::memory_order_release);
+    }
+    if (route.program >= 0) {
+        programs_.select(route.program);
+        switched_.store(true, std::memory_order_release);
+    }
+}
+
+void AudioPath::runTo(const AudioBuffers& buffers, int& position, int end) noexcept {
+    const bool direct = buffers.inChannels == 2 && buffers.outChannels == 2 && !buffers.adding;
+    while (position < end) {
+        const int count = direct ? end - position : std::min(end - position, kScratch);
+        runPiece(buffers, position, count);
+        position += count;
+    }
+}
+
+void AudioPath::runPiece(const AudioBuffers& buffers, int position, int count) noexcept {
+    Engine::Block block = blockAt(position);
+    std::size_t due = 0;
+    for (; due < engineEventCount_ && engineEvents_[due].sampleOffset < position + count; ++due) {
+        engineEvents_[due].sampleOffset -= position;
+    }
+    block.midiEvents = {engineEvents_.data(), due};
+
+    const int lastIn = buffers.inChannels - 1;
+    const float* const in[] = {buffers.in[0] + position, buffers.in[lastIn] + position};
+    if (buffers.outChannels == 2 && !buffers.adding) {
+        float* const out[] = {buffers.out[0] + position, buffers.out[1] + position};
+        engine_.process(in, out, count, block);
+    } else {
+        float* const left = scratch_[0].data();
+        float* const right = scratch_[1].data();
+        float* const out[] = {left, right};
+        engine_.process(in, out, count, block);
+        if (buffers.outChannels == 1) {
+            for (int i = 0; i < count; ++i) {
+                left[i] = (left[i] + right[i]) / 2;
+            }
+        }
+        for (int channel = 0; channel < buffers.outChannels; ++channel) {
+            float* const target = buffers.out[channel] + position;
+            for (int i = 0; i < count; ++i) {
+                target[i] = out[channel][i] + (buffers.adding ? target[i] : 0.0f);
+            }
+        }
+    }
+    std::copy(engineEvents_.begin() + static_cast<std::ptrdiff_t>(due),
+              engineEvents_.begin() + static_cast<std::ptrdiff_t>(engineEventCount_), engineEvents_.begin());
+    engineEventCount_ -= due;
+}
+
+Engine::Block AudioPath::blockAt(int position) const noexcept {
+    Engine::Block block;
+    block.parameters = valuesOf(programs_.currentPatch());
+    block.transport = transport_;
+    if (block.transport.songPosition) {
+        const double beatsPerSample = transport_.tempo / kSecondsPerMinute / sampleRate();
+        *block.transport.songPosition += position * beatsPerSample;
+    }
+    block.midiSettings = {.bendRangeSemitones = mapping_.pitchBendRange(),
+                          .bendHeldOnly = mapping_.pitchBendHeldOnly(),
+                          .masterTuningHz = mapping_.masterTuning()};
+    block.bypassed = bypassed();
+    return block;
+}
+
+void AudioPath::setLearning(bool on) noexcept {
+    learned_.store(kNothingLearned, std::memory_order_relaxed);
+    learning_.store(on, std::memory_order_relaxed);
+}
+
+std::optional<LearnedMidi> AudioPath::takeLearned() noexcept {
+    const int learned = learned_.exchange(kNothingLearned, std::memory_order_relaxed);
+    if (learned == kNothingLearned) {
+        return std::nullopt;
+    }
+    return learned < kLearnedKey ? LearnedMidi{LearnedMidi::Kind::controller, learned}
+                                 : LearnedMidi{LearnedMidi::Kind::key, learned - kLearnedKey};
+}
+
+void AudioPath::learn(Model::MidiMessage message) noexcept {
+    if (!learning_.load(std::memory_order_relaxed) || !mapping_.hearsChannel(message.status & 15)) {
+        return;
+    }
+    const int kind = message.status & 0xF0;
+    const int number = message.data1 & 127;
+    int nothing = kNothingLearned;
+    if (kind == 0xB0 && number < kFirstModeMessage) {
+        learned_.compare_exchange_strong(nothing, number, std::memory_order_relaxed);
+    } else if (kind == 0x90 && (message.data2 & 127) > 0) {
+        learned_.compare_exchange_strong(nothing, kLearnedKey + number, std::memory_order_relaxed);
+    }
+}
+
+} // namespace Shell

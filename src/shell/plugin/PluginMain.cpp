@@ -1,0 +1,27 @@
+// The plug-in binary's one export.
+#include "FactoryBank.h"
+
+#include "vst2/Vst2Effect.h"
+
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#if defined(_WIN32)
+#define MURMELON_EXPORT __declspec(dllexport)
+#else
+#define MURMELON_EXPORT __attribute__((visibility("default")))
+#endif
+
+extern "C" MURMELON_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
+    try {
+        return Shell::createVst2Effect(host, {.factoryBank = Shell::factoryBank()});
+    } catch (const std::bad_alloc&) {
+        std::fputs("Murmelon: bad allocation\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "Murmelon: %s\n", error.what());
+    } catch (...) {
+        std::fputs("Murmelon: unknown error\n", stderr);
+    }
+    return nullptr;
+}
