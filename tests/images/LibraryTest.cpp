@@ -30,7 +30,7 @@ protected:
         write("single.png", TestPictures::placedPng(8, 12));
         write("odd.png", TestPictures::placedPng(4, 31));
         write("strip.png", TestPictures::placedPng(12, 4, {.texts = {{"PixelStrip.Frames", "3"}}}));
-        write("broken.png", "nothing");
+        write("broken.png", "nothing at all");
         write("bars.ovs", "format ovs-1 requires:ZEKT-1\nbounds 0,0,4,6\nfill red\nrect 0,0,4,6");
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }
@@ -150,7 +150,7 @@ TEST_F(LibraryTest, tellsWhatIsWrong) {
     EXPECT_EQ(failureOf([&] { film("{ image: odd, frames: 2 }"); }),
               "Image height not dividable by slice count");
     EXPECT_EQ(
-        failureOf([&] { film("{ image: { name: odd, format: mask }, frames: 31, interpolate: yes }"); }),
+        failureOf([&] { film("{ image: { name: odd, format: mask }, frames: 31, interpolate: true }"); }),
         "Invalid film image type");
     const Stackbrace::Document single("single");
     EXPECT_EQ(failureOf([&] { library_.vectorImage(Images::readImageSpecification(single.root())); }),

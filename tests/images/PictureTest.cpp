@@ -6,6 +6,7 @@
 #include "images/Resample.h"
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 using Drawing::Pixel;
 using TestPictures::placed;

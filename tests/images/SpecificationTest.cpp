@@ -96,7 +96,7 @@ TEST(FilmSpecification, isAnImageAndItsFrames) {
     EXPECT_EQ(failureOf(Images::readFilmSpecification, "{ image: x, frames: 0 }"),
               "Invalid frame film count");
     EXPECT_EQ(failureOf(Images::readFilmSpecification, "{ frames: 2 }"),
-              "Undefined Stackbrace element: image");
+              "Undefined element: image");
 }
 
 TEST(FontSpecification, readsOutlineAndFilmFonts) {
