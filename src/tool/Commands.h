@@ -10,6 +10,7 @@ void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
 void addImageCommand(CLI::App& program);
+void addImageScriptCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);

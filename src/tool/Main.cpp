@@ -28,6 +28,7 @@ int run(int argc, char** argv) {
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
     Tool::addImageCommand(program);
+    Tool::addImageScriptCommand(program);
 
     try {
         program.parse(argc, argv);
