@@ -3,8 +3,8 @@
 #include "images/ImageLibrary.h"
 #include "model/PathText.h"
 #include "notation/Compound.h"
-#include "tool/PictureFile.h"
 #include "tool/ScriptError.h"
+#include "tool/SurfaceFile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
@@ -46,7 +46,7 @@ std::string inBraces(const std::string& text) {
     if (begin != std::string::npos && text[begin] != '{') {
         const Stackbrace::Document document(text);
         const Stackbrace::Structure keys = Stackbrace::readStructure(document.root());
-        if (keys.complete() && !keys.empty()) {
+        if (keys.complete() && (keys.find("name") || keys.find("ovsCode") || keys.find("ovsFile"))) {
             return "{" + text + "}";
         }
     }
@@ -63,7 +63,7 @@ void writeImage(const Options& options) {
     const auto image = library.image(specification, scale);
     Drawing::Surface pixels(image->width(), image->height());
     image->draw(pixels.view(), pixels.view().bounds(), 0, 0);
-    writePicture(Model::pathFromUtf8(options.output), pixels.view());
+    writeSurface(Model::pathFromUtf8(options.output), pixels.view());
 }
 
 } // namespace

@@ -75,9 +75,9 @@ protected:
         } else if (example.kind == "ovsfont") {
             const auto font = OVS::readFont(example.text);
             const auto& metrics = font->metrics();
-            text << "upm=" << metrics.unitsPerEm << " ascent=" << metrics.ascent << " descent=" << metrics.descent
-                 << " linegap=" << metrics.lineGap << " glyphs=" << font->glyphCount()
-                 << " kerns=" << font->kerningCount();
+            text << "upm=" << metrics.unitsPerEm << " ascent=" << metrics.ascent
+                 << " descent=" << metrics.descent << " linegap=" << metrics.lineGap
+                 << " glyphs=" << font->glyphCount() << " kerns=" << font->kerningCount();
         } else {
             ADD_FAILURE() << "a block of an unknown kind: " << example.kind;
         }

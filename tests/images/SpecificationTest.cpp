@@ -95,8 +95,7 @@ TEST(FilmSpecification, isAnImageAndItsFrames) {
     EXPECT_FALSE(Images::readFilmSpecification(name.root()).frames.has_value());
     EXPECT_EQ(failureOf(Images::readFilmSpecification, "{ image: x, frames: 0 }"),
               "Invalid frame film count");
-    EXPECT_EQ(failureOf(Images::readFilmSpecification, "{ frames: 2 }"),
-              "Undefined element: image");
+    EXPECT_EQ(failureOf(Images::readFilmSpecification, "{ frames: 2 }"), "Undefined element: image");
 }
 
 TEST(FontSpecification, readsOutlineAndFilmFonts) {
