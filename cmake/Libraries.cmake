@@ -26,6 +26,5 @@ target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
 
 # The command's own.
 pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
-pkg_check_modules(smf REQUIRED IMPORTED_TARGET smf)
 pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
 pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)

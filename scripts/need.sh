@@ -18,7 +18,7 @@ need() {
 build_packages=(
     g++ cmake ninja-build pkg-config
     libfftw3-dev zlib1g-dev libpng-dev libfmt-dev
-    libsndfile1-dev libsmf-dev libcli11-dev nlohmann-json3-dev
+    libsndfile1-dev libcli11-dev nlohmann-json3-dev
     libagg-dev libfreetype-dev libharfbuzz-dev
     libxcb1-dev libxcb-shm0-dev libxcb-xkb-dev libxkbcommon-dev libxkbcommon-x11-dev
     libcurl4-openssl-dev libdbus-1-dev

@@ -1,6 +1,6 @@
 #include "platform/FileRead.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <stdexcept>
@@ -8,14 +8,25 @@
 
 namespace Platform {
 
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
+std::string readAll(std::istream& stream, std::size_t sizeHint) {
+    constexpr std::size_t kLeastBlock = 65536;
     std::string contents;
-    std::array<char, 65536> buffer;
-    while (file) {
-        file.read(buffer.data(), buffer.size());
-        contents.append(buffer.data(), static_cast<std::size_t>(file.gcount()));
+    std::size_t size = 0;
+    while (stream) {
+        contents.resize(size + std::max({kLeastBlock, size, sizeHint}));
+        sizeHint = 0;
+        stream.read(contents.data() + size, static_cast<std::streamsize>(contents.size() - size));
+        size += static_cast<std::size_t>(stream.gcount());
     }
+    contents.resize(size);
+    return contents;
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::error_code unknown;
+    const auto fileSize = std::filesystem::file_size(path, unknown); // none for pipes, and it may change yet
+    std::ifstream file(path, std::ios::binary);
+    std::string contents = readAll(file, unknown ? 0 : static_cast<std::size_t>(fileSize) + 1);
     if (!file.is_open() || file.bad()) {
         throw std::runtime_error("Could not read " + path.string() + ": " +
                                  std::error_code(errno, std::generic_category()).message());

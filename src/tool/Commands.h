@@ -8,14 +8,17 @@ namespace Tool {
 
 void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
+void addExprCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
 void addImageCommand(CLI::App& program);
 void addImageScriptCommand(CLI::App& program);
+void addMetaTextCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);
 void addRenderCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
+void addTombolaCommand(CLI::App& program);
 void addZektCommand(CLI::App& program);
 
 } // namespace Tool

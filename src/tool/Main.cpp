@@ -25,6 +25,9 @@ int run(int argc, char** argv) {
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addTombolaCommand(program);
+    Tool::addExprCommand(program);
+    Tool::addMetaTextCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
     Tool::addImageCommand(program);

@@ -3,7 +3,9 @@
 
 #include <array>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tool {
@@ -13,8 +15,16 @@ struct TimedMessage {
     std::array<std::uint8_t, 3> bytes{};
 };
 
-// The channel messages of all tracks in the order of their times, which the file's own tempo map gives.
-// Throws std::runtime_error that names the file.
+class MidiFileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The channel messages of all tracks in the order of their times, which the file's own tempo map gives. At
+// one time, earlier tracks come first. Throws MidiFileError for contents that are damaged.
+std::vector<TimedMessage> readMidi(std::string_view file);
+
+// Of the file with this name, or standard input. Errors name the file.
 std::vector<TimedMessage> readMidiFile(const std::string& name);
 
 } // namespace Tool

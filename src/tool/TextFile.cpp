@@ -3,13 +3,12 @@
 #include "platform/FileRead.h"
 
 #include <iostream>
-#include <iterator>
 
 namespace Tool {
 
 std::string readTextFile(const std::string& name) {
     if (name == "-") {
-        return {std::istreambuf_iterator<char>(std::cin), {}};
+        return Platform::readAll(std::cin);
     }
     return Platform::readFile(name);
 }

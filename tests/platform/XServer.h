@@ -62,7 +62,7 @@ private:
 // Codes of the keys on the usual PC keyboard.
 namespace Key {
 inline constexpr int kEscape = 9, kA = 38, kReturn = 36, kShift = 50, kControl = 37, kSpace = 65, kLeft = 113,
-                     kF1 = 67, kDown = 116, kUp = 111, kRight = 114, kTab = 23, kN = 57;
+                     kF1 = 67, kDown = 116, kUp = 111, kRight = 114, kTab = 23, kN = 57, kM = 58, kT = 28;
 }
 
 // Calls `step` until it returns true; false after two seconds.

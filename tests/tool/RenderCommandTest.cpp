@@ -9,6 +9,7 @@
 
 using TestSound::samplesOf;
 using TestSound::wav;
+using namespace std::string_literals;
 
 namespace {
 
@@ -34,12 +35,25 @@ std::vector<float> mono(const std::vector<float>& pairs) {
     return left;
 }
 
-// A file of one track: `events` with their delta times, at 480 ticks a quarter note.
-std::string midiFile(const std::string& events) {
-    const std::string track = events + std::string("\x00\xFF\x2F\x00", 4);
-    std::string file("MThd\0\0\0\6\0\0\0\1\1\xE0MTrk\0\0\0", 21);
-    return file + static_cast<char>(track.size()) + track;
+std::string chunk(const std::string& type, const std::string& content) {
+    return type + std::string(3, '\0') + static_cast<char>(content.size()) + content;
 }
+
+std::string midiFile(const std::string& division, const std::vector<std::string>& tracks) {
+    std::string file = chunk("MThd", std::string("\0\1\0", 3) + static_cast<char>(tracks.size()) + division);
+    for (const std::string& track : tracks) {
+        file += chunk("MTrk", track);
+    }
+    return file;
+}
+
+// A literal's characters, those of no value included.
+template <std::size_t N>
+std::string bytes(const char (&text)[N]) {
+    return {text, N - 1};
+}
+
+const std::string kQuarterOf480 = "\1\xE0";
 
 class RenderCommandTest : public CommandRun::CommandTest {
 protected:
@@ -131,14 +145,13 @@ TEST_F(RenderCommandTest, playsMidiAtItsSamplesWhateverTheBlock) {
     write("in.wav", wav(kRate, 1, std::vector<float>(kRate)));
     // A note on the first sample, a chord, running status, a tempo of 100 from tick 480 on, program change,
     // a controller of another channel, and a note behind the end of the sound.
-    write("song.mid", midiFile(std::string("\0\x90\x3C\x64"
-                                           "\x01\x90\x40\x65"
-                                           "\0\x43\x66"
-                                           "\x83\x5F\xFF\x51\x03\x09\x27\xC0"
-                                           "\0\xC0\x05"
-                                           "\x30\xE1\x01\x7F"
-                                           "\x87\x40\x80\x3C\0",
-                                           34)));
+    write("song.mid", midiFile(kQuarterOf480, {bytes("\0\x90\x3C\x64"
+                                                     "\x01\x90\x40\x65"
+                                                     "\0\x43\x66"
+                                                     "\x83\x5F\xFF\x51\x03\x09\x27\xC0"
+                                                     "\0\xC0\x05"
+                                                     "\x30\xE1\x01\x7F"
+                                                     "\x87\x40\x80\x3C\0")}));
     const std::vector<std::string> expected = {
         "midi 0: 90 3c 64",     "midi 50: 90 40 65",    "midi 50: 90 43 66",
         "midi 24000: c0 05 00", "midi 26880: e1 01 7f", // 480 and 48 ticks later, at 500 and 600 ms a quarter
@@ -146,6 +159,67 @@ TEST_F(RenderCommandTest, playsMidiAtItsSamplesWhateverTheBlock) {
     for (const char* block : {"1", "50", "51", "512", "48000"}) {
         EXPECT_EQ(probe({"--midi", "song.mid", "--block", block}).errors, "");
         EXPECT_EQ(linesOf(read("log"), "midi"), expected) << block;
+    }
+}
+
+TEST_F(RenderCommandTest, readsMidiFilesOfAllKinds) {
+    write("in.wav", wav(1000, 1, std::vector<float>(3000)));
+    const std::string damaged = "the MIDI file is damaged";
+    const std::string cutOff = "the MIDI file is cut off";
+    const std::string note = bytes("\0\x90\x3C\x64");
+    const std::string late = bytes("\x64\x90\x3C\x64");             // a hundred ticks later
+    const std::string slower = bytes("\x64\xFF\x51\3\x0F\x42\x40"); // to a second a quarter
+    const std::string end = bytes("\0\xFF\x2F\0");
+    const std::string whole = midiFile(kQuarterOf480, {note + end});
+    struct Case {
+        const char* name;
+        std::string file;
+        std::vector<std::string> messages;
+        std::string error = {};
+    };
+    const Case cases[] = {
+        {"tempo of another track",
+         midiFile("\0d"s, {slower + end, late + late + end}),
+         {"midi 500: 90 3c 64", "midi 1500: 90 3c 64"}},
+        {"tracks in step",
+         midiFile("\0d"s, {late + end, note + late + end}),
+         {"midi 0: 90 3c 64", "midi 500: 90 3c 64", "midi 500: 90 3c 64"}},
+        {"frames", midiFile("\xE7\x28", {late + end}), {"midi 100: 90 3c 64"}}, // 25 a second of 40 ticks
+        {"frames of television",
+         midiFile("\xE3\x0A", {late + late + end}),
+         {"midi 334: 90 3c 64", "midi 667: 90 3c 64"}},
+        {"system exclusive",
+         midiFile(kQuarterOf480, {bytes("\0\xF0\2\1\xF7") + note + end}),
+         {"midi 0: 90 3c 64"}},
+        {"behind the end", midiFile(kQuarterOf480, {end + note}), {}},
+        {"no end", midiFile(kQuarterOf480, {note}), {"midi 0: 90 3c 64"}},
+        {"foreign chunk",
+         midiFile(kQuarterOf480, {}).replace(11, 1, "\1") + chunk("Text", "hello") + chunk("MTrk", note),
+         {"midi 0: 90 3c 64"}},
+        {"no tempo at all",
+         midiFile("\0d"s, {bytes("\0\xFF\x51\3\0\0\0") + late + end}),
+         {"midi 0: 90 3c 64"}},
+        {"empty", "", {}, "it is no standard MIDI file"},
+        {"cut in a track", whole.substr(0, whole.size() - 5), {}, cutOff},
+        {"cut in a message", midiFile(kQuarterOf480, {bytes("\0\x90\x3C")}), {}, cutOff},
+        {"a track is missing", midiFile(kQuarterOf480, {}).replace(11, 1, "\1"), {}, cutOff},
+        {"no status", midiFile(kQuarterOf480, {bytes("\0\x3C\x64")}), {}, damaged},
+        {"no status behind a meta event",
+         midiFile(kQuarterOf480, {note + bytes("\0\xFF\1\0\0\x3C\0")}),
+         {},
+         damaged},
+        {"status for data", midiFile(kQuarterOf480, {bytes("\0\x90\x3C\x90")}), {}, damaged},
+        {"endless delta", midiFile(kQuarterOf480, {"\x80\x80\x80\x80\x01"}), {}, damaged},
+        {"no ticks", midiFile("\0\0"s, {note}), {}, damaged},
+    };
+    for (const Case& c : cases) {
+        write("song.mid", c.file);
+        const auto done = probe({"--midi", "song.mid"});
+        EXPECT_EQ(done.errors, c.error.empty() ? "" : "error: Could not read song.mid: " + c.error + "\n")
+            << c.name;
+        if (c.error.empty()) {
+            EXPECT_EQ(linesOf(read("log"), "midi"), c.messages) << c.name;
+        }
     }
 }
 

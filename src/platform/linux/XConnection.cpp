@@ -72,6 +72,24 @@ xcb_atom_t XConnection::atom(const std::string& name) const {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+// Window managers mark it with WM_STATE; without one it is the last before the root.
+xcb_window_t XConnection::topLevelOf(xcb_window_t window) const {
+    const xcb_atom_t mark = atom("WM_STATE");
+    xcb_window_t at = window;
+    while (true) {
+        const auto markCookie = xcb_get_property(connection_, 0, at, mark, XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
+        const auto treeCookie = xcb_query_tree(connection_, at);
+        const XReply<xcb_get_property_reply_t> marked(
+            xcb_get_property_reply(connection_, markCookie, nullptr));
+        const XReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, treeCookie, nullptr));
+        if (!tree || (marked && marked->type != XCB_ATOM_NONE) || tree->parent == tree->root ||
+            tree->parent == XCB_NONE) {
+            return at;
+        }
+        at = tree->parent;
+    }
+}
+
 bool XConnection::local() const {
     sockaddr_storage peer{};
     socklen_t size = sizeof(peer);

@@ -39,6 +39,9 @@ public:
 
     xcb_atom_t atom(const std::string& name) const;
 
+    // The program's window that this one lies in, as window managers and desktops know it.
+    xcb_window_t topLevelOf(xcb_window_t window) const;
+
     // Both on one machine: then they can share memory.
     bool local() const;
 

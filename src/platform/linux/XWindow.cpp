@@ -113,8 +113,9 @@ void XWindow::dressTopLevel(const Place& place, Size size) {
     deleteWindow_ = connection_.atom("WM_DELETE_WINDOW");
     setAtom("WM_PROTOCOLS", deleteWindow_);
     if (place.above) {
+        const xcb_window_t above = connection_.topLevelOf(place.above);
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_TRANSIENT_FOR,
-                            XCB_ATOM_WINDOW, 32, 1, &place.above);
+                            XCB_ATOM_WINDOW, 32, 1, &above);
         setAtom("_NET_WM_WINDOW_TYPE", connection_.atom("_NET_WM_WINDOW_TYPE_DIALOG"));
     }
     fixSize(size);

@@ -36,7 +36,8 @@ struct MetaTextSources {
 // Tags inside one another. Each level passes over its text once more.
 inline constexpr std::size_t kMostMetaTags = 1000;
 
-// Throws MetaTextError "Unexpected meta tag [/x]" for a closing tag that closes nothing.
+// Throws MetaTextError "Unexpected meta tag [/x]" for a closing tag that does not fit, and "Too many meta
+// tags inside one another".
 std::string expandMetaText(std::string_view text, const MetaTextSources& sources);
 
 // Whether the text depends on variables.

@@ -24,6 +24,8 @@ struct Stretch {
     std::size_t offset; // in the expansion, where the next stretch begins this one ends
     SourcePointer source;
     std::size_t sourceOffset;
+    bool together =
+        false; // all its bytes stand for the one at sourceOffset: where they were written is not known
 };
 
 class PositionMap final : public Stackbrace::PositionMap {

@@ -1,6 +1,8 @@
 // The editor as the adapter of a plug-in interface drives it. Everything is the main thread's.
 #pragma once
 
+#include "platform/Keys.h"
+
 #include <exception>
 #include <memory>
 
@@ -19,15 +21,6 @@ struct EditorSize {
     int height = 0;
 };
 
-// A key that the host hands on. The numbers are the virtual keys of VST 2.
-struct EditorKey {
-    char32_t character = 0;
-    int virtualKey = 0;
-    bool shift = false;
-    bool alt = false;
-    bool control = false;
-};
-
 class Editor {
 public:
     virtual ~Editor() = default; // closes
@@ -36,8 +29,8 @@ public:
     virtual void open(void* parent) = 0;    // what the host calls a window: on Linux an X11 window id
     virtual void close() noexcept = 0;
     virtual void idle() = 0;                // the only clock, every 20 to 50 ms
-    virtual bool keyDown(const EditorKey&) { return false; } // false: the key is the host's
-    virtual bool keyUp(const EditorKey&) { return false; }
+    virtual bool keyDown(const Platform::KeyEvent&) { return false; } // false: the key is the host's
+    virtual bool keyUp(const Platform::KeyEvent&) { return false; }
 };
 
 // Makes the editor of an instance, not open yet. May throw.

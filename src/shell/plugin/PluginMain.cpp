@@ -1,6 +1,5 @@
 // The plug-in binary's one export.
-#include "FactoryBank.h"
-
+#include "resources/Resources.h"
 #include "vst2/Vst2Effect.h"
 
 #include <cstdio>
@@ -15,7 +14,8 @@
 
 extern "C" MURMELON_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
     try {
-        return Shell::createVst2Effect(host, {.factoryBank = Shell::factoryBank()});
+        const auto bank = Resources::find(Resources::Type::fxb, Shell::kDescriptor.factoryBank);
+        return Shell::createVst2Effect(host, {.factoryBank = bank.value_or("")});
     } catch (const std::bad_alloc&) {
         std::fputs("Murmelon: bad allocation\n", stderr);
     } catch (const std::exception& error) {

@@ -1,4 +1,5 @@
 // The opcodes of the host, one function for each thing they are about.
+#include "vst2/HostKeys.h"
 #include "vst2/Texts.h"
 #include "vst2/Vst2Effect.h"
 
@@ -44,15 +45,6 @@ bool canDo(const char* query) {
 bool mayComeFromAnyThread(VstInt32 opcode) {
     return opcode == effGetChunk || opcode == effGetProgram || opcode == effGetProgramName ||
            opcode == effGetProgramNameIndexed;
-}
-
-EditorKey keyOf(VstInt32 character, VstIntPtr virtualKey, float modifiers) {
-    const int held = static_cast<int>(modifiers);
-    return {.character = static_cast<char32_t>(character),
-            .virtualKey = static_cast<int>(virtualKey),
-            .shift = (held & MODIFIER_SHIFT) != 0,
-            .alt = (held & MODIFIER_ALTERNATE) != 0,
-            .control = (held & (MODIFIER_CONTROL | MODIFIER_COMMAND)) != 0};
 }
 
 int channelsOf(VstInt32 arrangement) {
