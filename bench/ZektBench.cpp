@@ -31,9 +31,11 @@ void statements(benchmark::State& state, const char* script) {
 } // namespace
 
 BENCHMARK_CAPTURE(statements, counting, "n=0; for i from:1 to:10000 [ n={$n + 1} ]");
-BENCHMARK_CAPTURE(statements, functions,
-                  "y=0; for i from:1 to:10000 [ y={floor(1000 * abs(sin($i * 0.01) * cos($y)) + sqrt($i)) / 7} ]");
+BENCHMARK_CAPTURE(
+    statements, functions,
+    "y=0; for i from:1 to:10000 [ y={floor(1000 * abs(sin($i * 0.01) * cos($y)) + sqrt($i)) / 7} ]");
 BENCHMARK_CAPTURE(statements, path, "p=M; for i from:1 to:10000 [ p=$p {$i * 0.25} {100 - $i / 7} ]");
-BENCHMARK_CAPTURE(statements, branches, "n=0; for i from:1 to:10000 [ if [{$i % 2 == 0}] [ n={$n + 1} ] else:[ n=0 ] ]");
+BENCHMARK_CAPTURE(statements, branches,
+                  "n=0; for i from:1 to:10000 [ if [{$i % 2 == 0}] [ n={$n + 1} ] else:[ n=0 ] ]");
 BENCHMARK_CAPTURE(statements, calls, "f=[ return r={$0 * 2} ]; for i from:1 to:10000 [ call $f $i ]");
 BENCHMARK_CAPTURE(statements, instructions, "for i from:1 to:10000 [ rect $i,{$i * 2},20,30 ]");

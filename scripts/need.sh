@@ -26,4 +26,4 @@ build_packages=(
 demo_packages=(alsa-utils sox)
 test_packages=(libgtest-dev libgmock-dev xvfb libxcb-xtest0-dev xclip dbus-daemon)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
-bench_packages=(libbenchmark-dev)
+bench_packages=(libbenchmark-dev libcairo2-dev)

@@ -2,49 +2,55 @@
 // view type of the framework derives from it, and so do those that others register (ViewFactory.h).
 //
 // A view belongs to one document and lives until that is loaded anew or closed. Its bounds are pixels, relative
-// to its parent's top left. What it is made of it reads from its properties in its constructor; there it also
-// says what it watches. Later it only reacts: drawing must not change anything.
+// to its parent's top left. What it is made of it reads from its properties in its constructor; what it shows
+// of variables it reads in refresh(). Drawing changes nothing.
 #pragma once
 
 #include "quilt/Geometry.h"
 #include "quilt/Input.h"
+#include "quilt/LiveText.h"
+#include "quilt/ViewFactory.h"
 
 #include <chrono>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Drawing {
-class Surface;
+class Canvas;
 }
 
 namespace Quilt {
 
 class Document;
 
-// Where a view stands while it is drawn.
+// Where a view stands while it is drawn. The canvas's target may be a part of the surface, the part that is out
+// of date, or a layer: `origin` is the view's top left on it, and may lie outside.
 struct DrawContext {
-    Drawing::Surface& surface;
-    Point origin;    // the view's top left, in pixels of `surface`
-    Rectangle clip;  // what of the surface is to be drawn again; nothing outside may be touched
-    double opacity;  // of all layers above, 0 to 1
+    Drawing::Canvas& canvas;
+    Point origin;
 };
 
 class View {
 public:
-    View(Document& document, const Rectangle& bounds) : document_(&document), bounds_(bounds) {}
+    explicit View(const ViewSetup& setup);
+    View(Document& document, std::string_view type, const Rectangle& pixels); // with no properties
     View(const View&) = delete;
     View& operator=(const View&) = delete;
     virtual ~View() = default;
 
+    std::string_view type() const { return type_; }
+    Document& document() const { return *document_; }
     const Rectangle& bounds() const { return bounds_; }
+    Rectangle area() const { return {0, 0, bounds_.width, bounds_.height}; }
     View* parent() const { return parent_; }
     const std::vector<std::unique_ptr<View>>& children() const { return children_; }
     void add(std::unique_ptr<View> child);
 
     // Hidden views, and all within them, are neither drawn nor hit.
     bool visible() const { return visible_; }
-    void setVisible(bool visible);
+    void show(bool visible); // for views with no property of that name
 
     // The view itself, below its children.
     virtual void draw(const DrawContext& context) const { static_cast<void>(context); }
@@ -83,34 +89,44 @@ public:
 
     virtual bool focusable() const { return false; }
     virtual void focused(bool has) { static_cast<void>(has); }
-    virtual Cursor cursor(Point at) const {
-        static_cast<void>(at);
-        return Cursor::arrow;
-    }
-    virtual std::string hint() const { return {}; }
+    virtual Cursor cursor(Point at) const;
+    virtual std::string hint() const { return hint_.value(); }
 
-    // Variables, or texts and actions that depend on some, may have changed. Views compare what they show.
-    virtual void refresh() {}
+    // Variables, or texts and actions that depend on some, may have changed: the view compares what it shows and
+    // invalidates itself. Overriders call their base's. Must not write variables.
+    virtual void refresh();
+
+    // Called after each update, when variables can be written again.
+    virtual void settled() {}
 
     // Called about 30 times a second while ticking() holds, for what moves by itself.
     virtual bool ticking() const { return false; }
     virtual void tick(std::chrono::milliseconds now) { static_cast<void>(now); }
 
     // Says that the view, or `part` of it, looks different now.
-    void invalidate() { invalidate({0, 0, bounds_.width, bounds_.height}); }
-    virtual void invalidate(const Rectangle& part);
+    void invalidate() { invalidate(area()); }
+    void invalidate(const Rectangle& part) const;
 
-    Point originOnSurface() const;
-    Document& document() const { return *document_; }
+    // The view's top left on the editor's surface.
+    Point origin() const;
 
 protected:
     void setBounds(const Rectangle& bounds);
+    void clearChildren() { children_.clear(); }
+
+    // What of the parents' surface a change of `part` of this view concerns; wider for views that move what
+    // they hold.
+    virtual Rectangle affected(const Rectangle& part) const { return part; }
 
 private:
     Document* document_;
+    std::string_view type_;
     Rectangle bounds_;
     View* parent_ = nullptr;
     std::vector<std::unique_ptr<View>> children_;
+    LiveText visibility_;
+    LiveText hint_;
+    std::string cursor_;
     bool visible_ = true;
 };
 

@@ -16,6 +16,7 @@ void addMetaTextCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);
 void addParamsCommand(CLI::App& program);
 void addPatchCommand(CLI::App& program);
+void addQuiltCommand(CLI::App& program);
 void addRenderCommand(CLI::App& program);
 void addStackbraceCommand(CLI::App& program);
 void addTombolaCommand(CLI::App& program);

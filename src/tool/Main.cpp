@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
     Tool::addBankCommand(program);
     Tool::addMidiConfigCommand(program);
     Tool::addStackbraceCommand(program);
+    Tool::addQuiltCommand(program);
     Tool::addTombolaCommand(program);
     Tool::addExprCommand(program);
     Tool::addMetaTextCommand(program);

@@ -101,7 +101,8 @@ void addZektCommand(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     auto* const command = program.add_subcommand("zekt", "Runs a script; trace lines go to standard output");
     command->add_option("FILE", options->file, "A script, or - for standard input")->required();
-    command->add_option("--define", options->definitions, "NAME=VALUE, a global variable")->allow_extra_args(false);
+    command->add_option("--define", options->definitions, "NAME=VALUE, a global variable")
+        ->allow_extra_args(false);
     command->add_option("--include-dir", options->includeFolder, "Where included files are");
     command->add_option("--format", options->formats, "A data format to accept")->allow_extra_args(false);
     command->add_flag("--vars", options->variables, "Prints the global variables after the run");

@@ -55,12 +55,12 @@ std::vector<std::string_view> split(std::string_view text, bool commasInParenthe
 
 void checkCount(std::size_t count, const ListRules& rules) {
     if (count < rules.atLeast) {
-        throw RunTimeException("Too few list elements (got " + std::to_string(count) + ", expected at least " +
-                               std::to_string(rules.atLeast) + ")");
+        throw RunTimeException("Too few list elements (got " + std::to_string(count) +
+                               ", expected at least " + std::to_string(rules.atLeast) + ")");
     }
     if (count > rules.atMost) {
-        throw RunTimeException("Too many list elements (got " + std::to_string(count) + ", expected at most " +
-                               std::to_string(rules.atMost) + ")");
+        throw RunTimeException("Too many list elements (got " + std::to_string(count) +
+                               ", expected at most " + std::to_string(rules.atMost) + ")");
     }
 }
 
@@ -83,6 +83,7 @@ std::string Argument::text() const {
     if (bracketed_) {
         return withoutEscapes(expandedInside());
     }
+    frame_->machine_.work(raw_.size());
     return withoutEscapes(quoted_ ? Lexical::inside(raw_) : raw_);
 }
 
@@ -90,6 +91,7 @@ std::u16string Argument::wideText() const {
     if (bracketed_) {
         return wideWithoutEscapes(expandedInside());
     }
+    frame_->machine_.work(raw_.size());
     return wideWithoutEscapes(quoted_ ? Lexical::inside(raw_) : raw_);
 }
 
@@ -109,40 +111,81 @@ bool Argument::boolean() const {
     return toBoolean(text());
 }
 
-std::vector<std::string> Argument::elements(const ListRules& rules, bool final) const {
+std::string_view Argument::content() const {
+    return bracketed_ || quoted_ ? Lexical::inside(raw_) : raw_;
+}
+
+template <typename Take>
+void Argument::forElements(const ListRules& rules, Take take) const {
     Machine& machine = frame_->machine_;
-    const std::string_view source = bracketed_ || quoted_ ? Lexical::inside(raw_) : raw_;
-    machine.work(source.size());
-    const auto parts = split(source, rules.commasInParentheses);
-    checkCount(parts.size(), rules);
-    std::vector<std::string> elements;
-    elements.reserve(parts.size());
-    for (const std::string_view part : parts) {
-        std::string element = bracketed_ ? machine.expand(*frame_, part) : std::string(part);
-        if (final && Lexical::isBracketed(element)) {
-            element = machine.expand(*frame_, Lexical::inside(element));
-        } else if (final && Lexical::isQuoted(element)) {
-            element = element.substr(1, element.size() - 2);
+    machine.work(raw_.size());
+    if (!bracketed_) {
+        const auto parts = split(content(), rules.commasInParentheses);
+        checkCount(parts.size(), rules);
+        for (const std::string_view part : parts) {
+            take(part);
         }
-        elements.push_back(final ? withoutEscapes(element) : element);
+        return;
     }
+    std::unique_ptr<ElementForms> own;
+    auto& forms = form_ != nullptr ? form_->elements : own;
+    if (!forms || forms->commasInParentheses != rules.commasInParentheses) {
+        auto made = std::make_unique<ElementForms>();
+        made->commasInParentheses = rules.commasInParentheses;
+        for (const std::string_view part : split(content(), rules.commasInParentheses)) {
+            made->elements.emplace_back(part);
+        }
+        forms = std::move(made);
+    }
+    checkCount(forms->elements.size(), rules);
+    std::string element;
+    for (Expansion& expansion : forms->elements) {
+        element.clear();
+        machine.append(*frame_, expansion, element);
+        take(std::string_view(element));
+    }
+}
+
+std::vector<std::string> Argument::expandedElements() const {
+    std::vector<std::string> elements;
+    forElements({}, [&elements](std::string_view element) { elements.emplace_back(element); });
     return elements;
 }
 
 std::vector<std::string> Argument::list(const ListRules& rules) const {
-    return elements(rules, true);
+    std::vector<std::string> elements;
+    forElements(rules, [this, &elements](std::string_view element) {
+        if (Lexical::isBracketed(element)) {
+            elements.push_back(withoutEscapes(frame_->machine_.expand(*frame_, Lexical::inside(element))));
+        } else {
+            elements.push_back(
+                withoutEscapes(Lexical::isQuoted(element) ? Lexical::inside(element) : element));
+        }
+    });
+    return elements;
 }
 
 std::vector<double> Argument::numbers(std::size_t atLeast, std::size_t atMost) const {
     std::vector<double> numbers;
-    for (const std::string& element : list({atLeast, atMost})) {
-        numbers.push_back(toNumber(element));
+    const auto plain = [&numbers](std::string_view element) {
+        double value = 0;
+        const bool read = readNumber(element, value) == Numeric::yes;
+        numbers.push_back(value);
+        return read;
+    };
+    bool all = true;
+    forElements({atLeast, atMost}, [&](std::string_view element) { all = plain(element) && all; });
+    if (!all) { // quoted, or no numbers at all
+        numbers.clear();
+        for (const std::string& element : list({atLeast, atMost})) {
+            numbers.push_back(toNumber(element));
+        }
     }
     return numbers;
 }
 
 Arguments Argument::arguments() const {
-    const std::string_view source = bracketed_ || quoted_ ? Lexical::inside(raw_) : raw_;
+    const std::string_view source = content();
     if (form_ == nullptr) {
         return Arguments(*frame_, ArgumentText(source));
     }

@@ -1,6 +1,6 @@
-// The arguments of one instruction. Words are expanded from the left when an Arguments is made; a word LABEL:VALUE is
-// a labelled argument, every other one the next indexed argument. An instruction then fetches what it knows and
-// calls finish(), which refuses the rest.
+// The arguments of one instruction. Words are expanded from the left when an Arguments is made; a word
+// LABEL:VALUE is a labelled argument, every other one the next indexed argument. An instruction then fetches
+// what it knows and calls finish(), which refuses the rest.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,8 @@ class Frame;
 struct ArgumentsForm; // parsed forms
 struct WordForm;
 
-// An instruction's argument text, not expanded yet. The interpreter hands these to executors with their parsed
-// form; a text of one's own makes one, too. Points into the document.
+// An instruction's argument text, not expanded yet. The interpreter hands these to executors with their
+// parsed form; a text of one's own makes one, too. Points into the document.
 class ArgumentText {
 public:
     explicit ArgumentText(std::string_view text) : text_(text) {}
@@ -43,9 +43,9 @@ struct ListRules {
     bool commasInParentheses = true; // these split, too; false: rgb(1,0,0) is one element
 };
 
-// One argument, used as what the instruction takes it for: each of the readers removes outer quotes or brackets,
-// expands the inside of brackets and resolves escapes. Lives as long as its Arguments. What does not convert
-// throws, "Invalid number: TEXT" for one.
+// One argument, used as what the instruction takes it for: each of the readers removes outer quotes or
+// brackets, expands the inside of brackets and resolves escapes. Lives as long as its Arguments. What does
+// not convert throws, "Invalid number: TEXT" for one.
 class Argument {
 public:
     Argument() = default;
@@ -62,8 +62,8 @@ public:
     // where they form a valid sequence and as the characters of the same codes where not.
     std::u16string wideText() const;
 
-    // Split at commas outside quotes and brackets, each element final. Throws "Too few list elements (got ...".
-    // An empty text is a list without elements.
+    // Split at commas outside quotes and brackets, each element final. Throws "Too few list elements (got
+    // ...". An empty text is a list without elements.
     std::vector<std::string> list(const ListRules& rules = {}) const;
     std::vector<double> numbers(std::size_t atLeast, std::size_t atMost) const;
 
@@ -82,8 +82,12 @@ private:
     friend struct Instructions;
 
     std::string expandedInside() const;
-    // Elements as text(), or only expanded, as a variable takes them.
-    std::vector<std::string> elements(const ListRules& rules, bool final) const;
+    // What stands inside outer quotes or brackets, if any.
+    std::string_view content() const;
+    // Calls take(element) with each, expanded as a variable takes them.
+    template <typename Take>
+    void forElements(const ListRules& rules, Take take) const;
+    std::vector<std::string> expandedElements() const;
 
     Frame* frame_ = nullptr;
     std::string_view raw_;

@@ -34,7 +34,7 @@ bool isInstructionName(std::string_view name) {
 
 // What follows `local` and `return`: a name, optionally with a value.
 void readDeclaration(Statement& statement, Variables& variables) {
-    const std::string_view rest = statement.rest;
+    const std::string_view rest = statement.value.source;
     const std::size_t first = Lexical::skipBlanks(rest, 0);
     std::size_t end = first;
     while (end < rest.size() && rest[end] != '=' && Lexical::skipBlanks(rest, end) == end) {
@@ -52,7 +52,7 @@ void readDeclaration(Statement& statement, Variables& variables) {
     if (statement.hasValue && rest[next] != '=') {
         throw SyntaxException("Expected =");
     }
-    statement.target = &variables.symbol(name);
+    statement.symbol = &variables.symbol(name);
     statement.value = Expansion(statement.hasValue ? rest.substr(next + 1) : std::string_view());
 }
 
@@ -66,20 +66,21 @@ void readBeginning(Statement& statement, Variables& variables) {
     const std::size_t next = Lexical::skipBlanks(text, end);
     if (!word.empty() && next < text.size() && text[next] == '=') {
         statement.kind = Statement::Kind::assignment;
-        statement.target = &variables.symbol(word);
-        statement.rest = text.substr(next + 1);
-        statement.value = Expansion(statement.rest);
+        statement.symbol = &variables.symbol(word);
+        statement.value = Expansion(text.substr(next + 1));
         return;
     }
     if (word.empty() || !isInstructionName(word) || (next == end && end < text.size())) {
         throw SyntaxException("Invalid instruction");
     }
-    statement.rest = text.substr(next);
-    statement.value = Expansion(statement.rest);
-    statement.name = folded(word);
-    statement.builtIn = findBuiltIn(statement.name);
+    statement.value = Expansion(text.substr(next));
+    const std::string name = folded(word);
+    statement.builtIn = findBuiltIn(name);
     if (statement.builtIn != nullptr && statement.builtIn->declares) {
         readDeclaration(statement, variables);
+    }
+    if (statement.builtIn == nullptr) {
+        statement.symbol = &variables.symbol(name);
     }
     statement.kind = statement.builtIn != nullptr ? Statement::Kind::builtIn : Statement::Kind::domain;
 }
@@ -132,7 +133,8 @@ void Block::parse(Variables& variables) {
     parsed = true;
     std::size_t at = 0;
     try {
-        for (;;) {
+        // The first statement beyond the limit is as far as a run can get.
+        while (statements.size() <= kStatementLimit) {
             at = Lexical::skipBlanks(text, at);
             if (at == text.size()) {
                 return;
@@ -149,7 +151,7 @@ void Block::parse(Variables& variables) {
             try {
                 readBeginning(statement, variables);
             } catch (const SyntaxException& error) {
-                statement.fault.emplace(error);
+                statement.fault = std::make_unique<Fault>(error);
             }
             at = end;
         }

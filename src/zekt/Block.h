@@ -1,6 +1,6 @@
-// The parsed form of a sequence of statements. Parsing finds where statements end and what they begin with; the
-// arguments are parsed when a statement first runs, bodies among them when they first run. What is wrong with
-// the text is kept as a fault of the statement in which it would have been noticed.
+// The parsed form of a sequence of statements. Parsing finds where statements end and what they begin with;
+// the arguments are parsed when a statement first runs, bodies among them when they first run. What is wrong
+// with the text is kept as a fault of the statement in which it would have been noticed.
 #pragma once
 
 #include "zekt/Expansion.h"
@@ -20,6 +20,11 @@ struct ArgumentsForm;
 struct Block;
 struct BuiltIn;
 
+struct ElementForms {
+    bool commasInParentheses;
+    std::vector<Expansion> elements;
+};
+
 // One argument. The forms of a literal's inside are made when it is first used so.
 struct WordForm {
     WordForm();
@@ -33,6 +38,7 @@ struct WordForm {
     bool bracketed = false; // of a literal
     bool quoted = false;
     mutable std::unique_ptr<Expansion> inside;
+    mutable std::unique_ptr<ElementForms> elements; // of a bracketed list
     mutable std::unique_ptr<Block> body;
     mutable std::unique_ptr<ArgumentsForm> arguments;
 };
@@ -48,15 +54,15 @@ struct Statement {
     enum class Kind : std::uint8_t { assignment, builtIn, domain, fault };
 
     Kind kind = Kind::fault;
+    bool hasValue = true; // a declaration may have none
     std::string_view text;
-    std::string_view rest;             // of the text: what is assigned, or the arguments
-    Symbol* target = nullptr;          // of an assignment or a declaration
-    bool hasValue = true;              // a declaration may have none
+    // What an assignment or a declaration writes to; for a domain instruction, holds its name in lower case.
+    Symbol* symbol = nullptr;
     const BuiltIn* builtIn = nullptr;
-    std::string name;                  // of a domain instruction, in lower case
-    mutable Expansion value;           // of rest, or of what a declaration assigns
-    mutable std::unique_ptr<ArgumentsForm> form; // of rest
-    std::optional<Fault> fault;
+    // Of what is assigned or, for instructions, of the argument text: it as a whole, or as words.
+    mutable Expansion value;
+    mutable std::unique_ptr<ArgumentsForm> form;
+    std::unique_ptr<Fault> fault;
 };
 
 struct Block {

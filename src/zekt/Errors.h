@@ -1,5 +1,5 @@
-// What a script can fail with. Hosts throw the same classes from their own instructions; the interpreter fills in
-// the statement, so a report shows the innermost one that failed.
+// What a script can fail with. Hosts throw the same classes from their own instructions; the interpreter
+// fills in the statement, so a report shows the innermost one that failed.
 #pragma once
 
 #include <stdexcept>

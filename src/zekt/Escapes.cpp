@@ -62,7 +62,10 @@ std::uint32_t readUtf8(std::string_view text, std::size_t& at) {
         return i < text.size() ? static_cast<std::uint32_t>(static_cast<unsigned char>(text[i])) : 0U;
     };
     const std::uint32_t lead = byteAt(at++);
-    const std::size_t more = lead >= 0xC2 && lead < 0xE0 ? 1 : (lead & 0xF0) == 0xE0 ? 2 : (lead & 0xF8) == 0xF0 ? 3 : 0;
+    const std::size_t more = lead >= 0xC2 && lead < 0xE0 ? 1
+                             : (lead & 0xF0) == 0xE0     ? 2
+                             : (lead & 0xF8) == 0xF0     ? 3
+                                                         : 0;
     std::uint32_t code = lead & (0x3FU >> more);
     for (std::size_t i = 0; i < more; ++i) {
         const std::uint32_t next = byteAt(at + i);

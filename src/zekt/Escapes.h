@@ -9,9 +9,9 @@
 namespace ZEKT {
 
 struct Escape {
-    std::uint32_t code;   // of the character; 0xFFFD where the digits give none
-    std::size_t end;      // offset behind the escape
-    bool verbatim;        // the text between backslash and end stands for itself
+    std::uint32_t code; // of the character; 0xFFFD where the digits give none
+    std::size_t end;    // offset behind the escape
+    bool verbatim;      // the text between backslash and end stands for itself
 };
 
 // `at` is at a backslash. A backslash that ends the text stands for itself.

@@ -2,6 +2,7 @@
 #include "zekt/Machine.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 
@@ -54,6 +55,7 @@ double remainder(double left, double right) {
 } // namespace
 
 Slot* SlotStack::reserve(std::size_t count) {
+    assert(count <= kSegment);
     if (!segments_.empty() && place_.used + count > kSegment) {
         ++place_.segment;
         place_.used = 0;

@@ -1,5 +1,5 @@
-// The host of a script. The interpreter knows variables, expansion, expressions and control instructions; all it
-// has to ask of the world outside goes through here.
+// The host of a script. The interpreter knows variables, expansion, expressions and control instructions; all
+// it has to ask of the world outside goes through here.
 //
 // An executor reads the arguments of its instructions like this (Arguments.h has the rest):
 //
@@ -39,8 +39,8 @@
 
 namespace ZEKT {
 
-// A `format` statement. All names are in lower case, lists sorted and without duplicates; the interpreter's own
-// version is no longer among the requirements.
+// A `format` statement. All names are in lower case, lists sorted and without duplicates; the interpreter's
+// own version is no longer among the requirements.
 struct FormatStatement {
     std::string name;
     std::vector<std::string> uses;
@@ -57,7 +57,8 @@ public:
     // Runs a domain instruction; `name` is in lower case. Returns whether the name is known.
     virtual bool execute(Frame& frame, std::string_view name, const ArgumentText& text) = 0;
 
-    // Called once a statement with the statements that are left; false aborts the run.
+    // Called once a statement with the statements that are left; false aborts the run. For the bodies that
+    // another executor carries out, that one is asked.
     virtual bool progress(Frame& frame, std::uint32_t statementsLeft) {
         static_cast<void>(frame);
         static_cast<void>(statementsLeft);

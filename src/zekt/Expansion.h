@@ -1,5 +1,5 @@
-// The parsed form of a text that is to be expanded: literal stretches, variables and expressions. It is parsed
-// when first needed and refers to its source, which has to outlive it.
+// The parsed form of a text that is to be expanded: literal stretches, variables and expressions. It is
+// parsed when first needed and refers to its source, which has to outlive it.
 #pragma once
 
 #include "zekt/Expression.h"

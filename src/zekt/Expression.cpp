@@ -1,4 +1,5 @@
-// Reads bottom-up: primaries first, then what may follow a value, with the levels of the operators in one place.
+// Reads bottom-up: primaries first, then what may follow a value, with the levels of the operators in one
+// place.
 #include "zekt/Expression.h"
 
 #include "zekt/Escapes.h"

@@ -1,6 +1,6 @@
-// The inside of { } as a program for a machine with a stack. Operations stand in the order in which a reader that
-// evaluates as it goes would carry them out, and one that raises a fault stands where that reader would give up: so
-// errors come in the same order, those in branches that are not taken included.
+// The inside of { } as a program for a machine with a stack. Operations stand in the order in which a reader
+// that evaluates as it goes would carry them out, and one that raises a fault stands where that reader would
+// give up: so errors come in the same order, those in branches that are not taken included.
 #pragma once
 
 #include "zekt/Fault.h"
@@ -19,11 +19,11 @@ struct Expansion;
 struct Symbol;
 
 enum class Operation : std::uint8_t {
-    pushNumber,  // number
-    pushString,  // string
-    load,        // symbol
-    loadNamed,   // the variable whose name is on the stack
-    expand,      // expansion: the inside of brackets
+    pushNumber, // number
+    pushString, // string
+    load,       // symbol
+    loadNamed,  // the variable whose name is on the stack
+    expand,     // expansion: the inside of brackets
     power,
     modulo,
     logicalNot,
@@ -78,8 +78,8 @@ struct Expression {
 // Deeper nesting of parentheses, prefixes and branches than this is "Recursion limit reached".
 inline constexpr int kExpressionDepth = 200;
 
-// Parses from behind the opening brace. Returns the offset behind the closing one, or the end of the text if the
-// expression ends in a fault.
+// Parses from behind the opening brace. Returns the offset behind the closing one, or the end of the text if
+// the expression ends in a fault.
 std::size_t parseExpression(std::string_view text, std::size_t at, Variables& variables, Expression& result);
 
 // The same for a text that is the inside and nothing else.

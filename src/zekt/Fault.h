@@ -1,5 +1,5 @@
-// A failure found while parsing, kept to be thrown when execution gets there: a parsed form fails exactly where
-// reading the text step by step would have.
+// A failure found while parsing, kept to be thrown when execution gets there: a parsed form fails exactly
+// where reading the text step by step would have.
 #pragma once
 
 #include "zekt/Errors.h"

@@ -1,9 +1,9 @@
-// A scope of variables during a run. Frames nest as blocks do: a child is made on the stack of the instruction
-// that opens it and is gone before its parent is used for anything but what the child's body does. Only the
-// innermost frame may be a parent.
+// A scope of variables during a run. Frames nest as blocks do: a child is made on the stack of the
+// instruction that opens it and is gone before its parent is used for anything but what the child's body
+// does. Only the innermost frame may be a parent.
 //
-// A name is looked for from a frame outwards. Assigning writes to the nearest frame that has the name, else to this
-// one.
+// A name is looked for from a frame outwards. Assigning writes to the nearest frame that has the name, else
+// to this one.
 #pragma once
 
 #include <cstdint>
@@ -41,7 +41,8 @@ public:
     std::string get(std::string_view name);
     bool has(std::string_view name) const;
 
-    // A name that is empty or has other characters than letters, digits, "_", "." and "-" is "Could not set variable".
+    // A name that is empty or has other characters than letters, digits, "_", "." and "-" is "Could not set
+    // variable".
     void set(std::string_view name, std::string_view text);
     void set(std::string_view name, double number);
 

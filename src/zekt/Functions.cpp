@@ -10,7 +10,8 @@ namespace ZEKT {
 
 namespace {
 
-// What is too large is an overflow whatever the library says of it; anything else it complains about is an error.
+// What is too large is an overflow whatever the library says of it; anything else it complains about is an
+// error.
 double checked(double result, int error) {
     if (std::isinf(result)) {
         throw RunTimeException("Number overflow");
@@ -68,10 +69,10 @@ struct Row {
 };
 
 constexpr Row kFunctions[] = {
-    {"abs", absolute},       {"acos", call<::acos>},  {"asin", call<::asin>}, {"atan", call<::atan>},
-    {"ceil", roundUp},       {"cos", call<::cos>},    {"cosh", call<::cosh>}, {"exp", call<::exp>},
-    {"floor", roundDown},    {"log", naturalLogarithm}, {"log10", commonLogarithm}, {"sin", call<::sin>},
-    {"sinh", call<::sinh>},  {"sqrt", squareRoot},    {"tan", call<::tan>},   {"tanh", call<::tanh>},
+    {"abs", absolute},        {"acos", call<::acos>},    {"asin", call<::asin>},     {"atan", call<::atan>},
+    {"ceil", roundUp},        {"cos", call<::cos>},      {"cosh", call<::cosh>},     {"exp", call<::exp>},
+    {"floor", roundDown},     {"log", naturalLogarithm}, {"log10", commonLogarithm}, {"sin", call<::sin>},
+    {"sinh", call<::sinh>},   {"sqrt", squareRoot},      {"tan", call<::tan>},       {"tanh", call<::tanh>},
     {"round", roundHalfAway},
 };
 

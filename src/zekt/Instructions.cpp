@@ -12,9 +12,9 @@ namespace ZEKT {
 struct Instructions {
     static Arguments arguments(Machine& machine, Frame& frame, const Statement& statement) {
         if (!statement.form) {
-            statement.form = std::make_unique<ArgumentsForm>(statement.rest, machine.variables);
+            statement.form = std::make_unique<ArgumentsForm>(statement.value.source, machine.variables);
         }
-        return Arguments(frame, ArgumentText(statement.rest, *statement.form));
+        return Arguments(frame, ArgumentText(statement.value.source, *statement.form));
     }
 
     static std::vector<std::string> names(const Argument* list) {
@@ -76,8 +76,8 @@ struct Instructions {
         Block& body_;
     };
 
-    static void countedLoop(Machine& machine, Frame& frame, Symbol& counter, Loop& loop, double from, double to,
-                            double step) {
+    static void countedLoop(Machine& machine, Frame& frame, Symbol& counter, Loop& loop, double from,
+                            double to, double step) {
         const double least = std::min(from, to);
         const double greatest = std::max(from, to);
         for (double value = from; value >= least && value <= greatest; value += step) {
@@ -104,7 +104,7 @@ struct Instructions {
         if (const Argument* const list = given.optional("in")) {
             const Argument* const reverse = given.optional("reverse");
             given.finish();
-            auto elements = list->elements({}, false);
+            auto elements = list->expandedElements();
             const bool backwards = reverse != nullptr && reverse->boolean();
             Loop loop(machine, frame, body);
             listLoop(machine, frame, variable, loop, std::move(elements), backwards);
@@ -138,12 +138,12 @@ struct Instructions {
     }
 
     static void local(Machine& machine, Frame& frame, const Statement& statement) {
-        if (Variables::isLocal(frame, *statement.target)) {
-            throw RunTimeException("Variable " + statement.target->name + " already declared");
+        if (Variables::isLocal(frame, *statement.symbol)) {
+            throw RunTimeException("Variable " + statement.symbol->name + " already declared");
         }
         std::string value;
         machine.append(frame, statement.value, value);
-        machine.variables.setText(machine.variables.local(frame, *statement.target), value);
+        machine.variables.setText(machine.variables.local(frame, *statement.symbol), value);
     }
 
     static void giveBack(Machine& machine, Frame& frame, const Statement& statement) {
@@ -154,20 +154,22 @@ struct Instructions {
         if (statement.hasValue) {
             machine.append(frame, statement.value, value);
         } else {
-            value = machine.variables.text(machine.existing(frame, *statement.target));
+            value = machine.variables.text(machine.existing(frame, *statement.symbol));
             machine.work(value.size());
         }
-        machine.variables.setText(machine.variables.local(*frame.parent(), *statement.target), value);
+        machine.variables.setText(machine.variables.local(*frame.parent(), *statement.symbol), value);
     }
 
     // What a called body finds of the arguments behind the first.
-    static void pass(Arguments& given, Frame& callee) {
+    static void pass(Machine& machine, Arguments& given, Frame& callee) {
         std::size_t count = 0;
         for (const Argument* const argument : given.rest(1)) {
+            machine.work(argument->raw().size());
             callee.setLocal(std::to_string(count++), argument->raw());
         }
         callee.setLocal("n", static_cast<double>(count));
         for (const auto& [label, argument] : given.labelled()) {
+            machine.work(argument->raw().size());
             callee.setLocal(label, argument->raw());
         }
     }
@@ -177,7 +179,7 @@ struct Instructions {
         given.requireAny();
         const Argument& body = given.required(0);
         Frame callee(frame);
-        pass(given, callee);
+        pass(machine, given, callee);
         callee.run(body);
     }
 
@@ -190,7 +192,7 @@ struct Instructions {
             throw RunTimeException("Could not include file: " + fileName);
         }
         Frame callee(frame);
-        pass(given, callee);
+        pass(machine, given, callee);
         callee.run(std::string_view(*text));
     }
 
@@ -210,9 +212,11 @@ struct Instructions {
         const Argument* const expand = given.optional("expand");
         given.finish();
         const bool expanded = expand != nullptr && expand->boolean();
+        for (const Binding* binding = frame.bindings_; binding != nullptr; binding = binding->nextInFrame) {
+            machine.work(64 + binding->value.text.size()); // there may be many
+        }
         std::string line;
         for (const Frame::Variable& variable : frame.variables()) {
-            machine.work(variable.text.size());
             line.append(line.empty() ? "" : "|").append(variable.name).append("=");
             line.append(expanded ? machine.expand(frame, variable.text) : variable.text);
             Machine::checkLength(line.size());
@@ -224,19 +228,19 @@ struct Instructions {
 namespace {
 
 constexpr BuiltIn kBuiltIns[] = {
-    {"format", false, Instructions::format},   {"if", false, Instructions::conditional},
-    {"for", false, Instructions::loopFor},     {"repeat", false, Instructions::repeat},
-    {"local", true, Instructions::local},      {"return", true, Instructions::giveBack},
-    {"call", false, Instructions::call},       {"include", false, Instructions::include},
-    {"stop", false, Instructions::stop},       {"trace", false, Instructions::trace},
+    {"format", false, Instructions::format}, {"if", false, Instructions::conditional},
+    {"for", false, Instructions::loopFor},   {"repeat", false, Instructions::repeat},
+    {"local", true, Instructions::local},    {"return", true, Instructions::giveBack},
+    {"call", false, Instructions::call},     {"include", false, Instructions::include},
+    {"stop", false, Instructions::stop},     {"trace", false, Instructions::trace},
     {"_debug", false, Instructions::debug},
 };
 
 } // namespace
 
 const BuiltIn* findBuiltIn(std::string_view name) {
-    const auto* const found =
-        std::find_if(std::begin(kBuiltIns), std::end(kBuiltIns), [name](const BuiltIn& row) { return row.name == name; });
+    const auto* const found = std::find_if(std::begin(kBuiltIns), std::end(kBuiltIns),
+                                           [name](const BuiltIn& row) { return row.name == name; });
     return found == std::end(kBuiltIns) ? nullptr : found;
 }
 

@@ -1,5 +1,5 @@
-// What all readers of script text agree on: classes of characters, and where quoted text, bracketed text, escapes and
-// comments end. Positions are offsets into the text.
+// What all readers of script text agree on: classes of characters, and where quoted text, bracketed text,
+// escapes and comments end. Positions are offsets into the text.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +30,8 @@ constexpr bool isName(char c) {
 
 bool isVariableName(std::string_view text);
 
-// `at` is at the opening character; the offset behind the closing one. SyntaxException "Missing \"", "Missing ]".
+// `at` is at the opening character; the offset behind the closing one. SyntaxException "Missing \"", "Missing
+// ]".
 std::size_t quotedEnd(std::string_view text, std::size_t at);
 std::size_t bracketedEnd(std::string_view text, std::size_t at);
 

@@ -8,7 +8,7 @@ namespace ZEKT {
 
 namespace {
 
-constexpr std::size_t kMostBlocksSize = 4U << 20; // of the texts whose parsed forms are kept
+constexpr std::size_t kMostBlocksSize = 1U << 20; // of the texts whose parsed forms are kept
 
 // One level of nesting, given back however the block ends.
 class Level {
@@ -92,7 +92,8 @@ Block& Machine::body(const Argument& argument, std::shared_ptr<Block>& keep) {
         }
         return *body;
     }
-    const std::string text = argument.bracketed_ ? std::string(Lexical::inside(argument.raw_)) : argument.text();
+    const std::string text =
+        argument.bracketed_ ? std::string(Lexical::inside(argument.raw_)) : argument.text();
     if (text.size() > kLongestBody) {
         failAtTextLimit();
     }
@@ -145,11 +146,12 @@ void Machine::execute(Frame& frame, const Statement& statement) {
 
 void Machine::executeDomain(Frame& frame, const Statement& statement) {
     if (!statement.form) {
-        statement.form = std::make_unique<ArgumentsForm>(statement.rest, variables);
+        statement.form = std::make_unique<ArgumentsForm>(statement.value.source, variables);
     }
-    if (!frame.executor_.execute(frame, statement.name, ArgumentText(statement.rest, *statement.form)) &&
-        statement.name != "meta") {
-        throw SyntaxException("Unrecognized instruction: " + statement.name);
+    const std::string& name = statement.symbol->name;
+    if (!frame.executor_.execute(frame, name, ArgumentText(statement.value.source, *statement.form)) &&
+        name != "meta") {
+        throw SyntaxException("Unrecognized instruction: " + name);
     }
 }
 
@@ -163,7 +165,7 @@ void Machine::assign(Frame& frame, const Statement& statement) {
     if (pieces.size() == 1 && pieces[0].kind == Piece::Kind::expression) {
         Evaluation evaluation(*this, frame, *pieces[0].expression);
         Slot& result = evaluation.result();
-        Binding& binding = variables.assigned(frame, *statement.target);
+        Binding& binding = variables.assigned(frame, *statement.symbol);
         if (!result.hasText) {
             variables.setNumber(binding, result.number);
         } else {
@@ -174,14 +176,14 @@ void Machine::assign(Frame& frame, const Statement& statement) {
     }
     // A text that grows at its end is not copied each time.
     const bool grows =
-        pieces.size() > 1 && pieces[0].kind == Piece::Kind::variable && pieces[0].symbol == statement.target;
+        pieces.size() > 1 && pieces[0].kind == Piece::Kind::variable && pieces[0].symbol == statement.symbol;
     if (grows) {
-        Binding& binding = existing(frame, *statement.target);
+        Binding& binding = existing(frame, *statement.symbol);
         appendPieces(frame, value, 1, assigned_);
         variables.append(binding, assigned_);
     } else {
         appendPieces(frame, value, 0, assigned_);
-        variables.setText(variables.assigned(frame, *statement.target), assigned_);
+        variables.setText(variables.assigned(frame, *statement.symbol), assigned_);
     }
 }
 

@@ -17,8 +17,8 @@
 
 namespace ZEKT {
 
-// An operand. Its text may belong to a variable, to the expression or to the buffer; nothing changes variables
-// while an expression is evaluated.
+// An operand. Its text may belong to a variable, to the expression or to the buffer; nothing changes
+// variables while an expression is evaluated.
 struct Slot {
     std::string_view text;
     double number = 0;
@@ -103,7 +103,8 @@ private:
         using is_transparent = void;
         std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
     };
-    std::unordered_map<std::string_view, std::shared_ptr<Block>, Hash, std::equal_to<>> blocks_; // by their texts
+    std::unordered_map<std::string_view, std::shared_ptr<Block>, Hash, std::equal_to<>>
+        blocks_; // by their texts
     std::size_t blocksSize_ = 0;
     SlotStack slots_;
     std::string assigned_;

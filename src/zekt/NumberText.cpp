@@ -15,7 +15,8 @@ namespace {
 constexpr int kDigits = 13;
 constexpr double kLargestInteger = 1e13; // below, an integer's text has all its digits
 
-// from_chars does not tell too large from too small: whether the first digit that counts stands left of the point.
+// from_chars does not tell too large from too small: whether the first digit that counts stands left of the
+// point.
 bool isLarge(std::string_view digits) {
     const std::size_t mark = std::min(digits.size(), digits.find_first_of("eE"));
     std::string_view exponent = digits.substr(std::min(digits.size(), mark + 1));
@@ -30,7 +31,8 @@ double readExactly(std::string_view text) {
 }
 
 std::string_view exactText(double value, char* buffer) {
-    const auto end = std::to_chars(buffer, buffer + kLongestNumberText, value, std::chars_format::general, kDigits);
+    const auto end =
+        std::to_chars(buffer, buffer + kLongestNumberText, value, std::chars_format::general, kDigits);
     return {buffer, static_cast<std::size_t>(end.ptr - buffer)};
 }
 
@@ -43,9 +45,9 @@ struct Decimal {
     int scale;
 };
 
-// For magnitudes in [1e-4, 1e13). The product with a power of ten is off by less than half a unit in its last place,
-// which is 1/512 below 1e13: further than that from a tie the rounding is right. Where it might not be, and at the
-// ends of the range of digits, the answer is no.
+// For magnitudes in [1e-4, 1e13). The product with a power of ten is off by less than half a unit in its last
+// place, which is 1/512 below 1e13: further than that from a tie the rounding is right. Where it might not
+// be, and at the ends of the range of digits, the answer is no.
 bool toDecimal(double magnitude, Decimal& decimal) {
     int binary = 0;
     std::frexp(magnitude, &binary);
@@ -70,7 +72,8 @@ bool toDecimal(double magnitude, Decimal& decimal) {
 }
 
 bool isPlainInteger(double value) {
-    return std::abs(value) < kLargestInteger && value == static_cast<double>(static_cast<std::int64_t>(value));
+    return std::abs(value) < kLargestInteger &&
+           value == static_cast<double>(static_cast<std::int64_t>(value));
 }
 
 bool isPlainFraction(double magnitude) {

@@ -1,5 +1,5 @@
-// Numbers and their texts, and the other conversions from text. A number's text has 13 significant digits, so a number
-// that is kept has to be rounded as if it had gone through its text.
+// Numbers and their texts, and the other conversions from text. A number's text has 13 significant digits, so
+// a number that is kept has to be rounded as if it had gone through its text.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
-// The variables of all frames of a run. A name is looked up once, where a statement is parsed; from then on it is a
-// Symbol, which holds the bindings of that name, the innermost frame's first. So reading a variable takes one step
-// however deep the frames are nested.
+// The variables of all frames of a run. A name is looked up once, where a statement is parsed; from then on
+// it is a Symbol, which holds the bindings of that name, the innermost frame's first. So reading a variable
+// takes one step however deep the frames are nested.
 #pragma once
 
 #include "zekt/NumberText.h"

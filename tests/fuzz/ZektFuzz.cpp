@@ -1,5 +1,5 @@
-// Any script ends, in bounded time, with an error of this language or none; and a second run of the kept parsed
-// forms does what the first did.
+// Any script ends, in bounded time, with an error of this language or none; and a second run of the kept
+// parsed forms does what the first did.
 #include "zekt/Interpreter.h"
 
 #include <cstdint>
@@ -39,7 +39,7 @@ public:
 
     // Long runs find nothing that short ones do not.
     bool progress(ZEKT::Frame&, std::uint32_t statementsLeft) override {
-        return statementsLeft + 2000 > ZEKT::kStatementLimit;
+        return statementsLeft + 500 > ZEKT::kStatementLimit;
     }
 
     std::optional<std::string> loadInclude(const std::string& fileName) override { return fileName; }

@@ -1,4 +1,5 @@
 #include "platform/FileDialog.h"
+#include "platform/MessageDialog.h"
 #include "platform/OpenLink.h"
 #include "platform/linux/FileChooser.h"
 
@@ -166,6 +167,16 @@ TEST_F(FileDialogTest, AsksThePortalFirst) {
                                      "filters=Patches *.kvmp *.KVMP, All Files *");
     }
     EXPECT_EQ(ask(save_).file, "/tmp/zenity") << "a bus without a portal";
+}
+
+TEST_F(FileDialogTest, ErrorsWithoutAnEditorAreShownByAProgram) {
+    setenv("PATH", (folder_.string() + ":" + path_).c_str(), 1);
+    program("zenity", "");
+    testing::internal::CaptureStderr();
+    showError("Murmelon", "Error: <b> & $HOME");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Murmelon: Error: <b> & $HOME\n");
+    const std::string words = "--error\n--no-markup\n--title\nMurmelon\n--text\nError: <b> & $HOME\n";
+    EXPECT_TRUE(eventually([&] { return wordsOf("zenity") == words; }));
 }
 
 TEST(FileAddress, IsDecoded) {

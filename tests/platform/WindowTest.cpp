@@ -375,7 +375,7 @@ TEST_F(WindowTest, AllCursorsExist) {
 // The server takes 256 clients at most, so a connection left open would show by itself.
 TEST_F(WindowTest, AThousandLeaveNothingBehind) {
     const auto parent = host();
-    std::size_t pages = 0;
+    [[maybe_unused]] std::size_t pages = 0;
     const std::size_t files = entriesOf("/proc/self/fd");
     const std::size_t segments = sharedSegments();
     for (int round = 0; round < 1000; ++round) {
@@ -391,7 +391,9 @@ TEST_F(WindowTest, AThousandLeaveNothingBehind) {
     EXPECT_EQ(entriesOf("/proc/self/fd"), files);
     EXPECT_TRUE(eventually([&] { return sharedSegments() <= segments; }));
     EXPECT_TRUE(user_.children(parent).empty());
+#ifndef __SANITIZE_ADDRESS__ // which keeps what is freed for a while, and finds leaks itself
     EXPECT_LT(residentPages(), pages + 200) << "800 windows took more than 200 pages";
+#endif
     user_.destroy(parent);
 }
 

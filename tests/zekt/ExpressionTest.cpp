@@ -172,7 +172,8 @@ TEST(Expression, failsWithTheRightTextAtTheRightTime) {
         {"1 & 2", syntax("Syntax error")},
         {"}", syntax("Syntax error")},
         {"yes ? 1", syntax("Expected :")},
-        {"\\x100", "\x10" "0"}, // two digits at most
+        {"\\x100", "\x10"
+                   "0"}, // two digits at most
         {"\"\\u100\"", syntax("Invalid character escape code inside { } expression")},
         {"\\300", syntax("Invalid character escape code inside { } expression")},
         {"1 / 0", runTime("Division by zero")},
@@ -239,8 +240,9 @@ TEST(Expression, numbersAreTheirTextsToThirteenDigits) {
         ASSERT_EQ(ZEKT::numberText(value, buffer), value == 0 ? "0" : expected);
         ASSERT_EQ(ZEKT::roundedAsText(value), std::strtod(expected, nullptr)) << expected;
     };
-    for (const double value : {0.0, -0.0, 1e12, 1e13, 9999999999999.0, 9999999999999.5, 999999999999.95, 0.0001,
-                               0.00009999999999999999, 20.00000000000001, 1.99999999999999, 5e-324, 1e300, 0.1}) {
+    for (const double value :
+         {0.0, -0.0, 1e12, 1e13, 9999999999999.0, 9999999999999.5, 999999999999.95, 0.0001,
+          0.00009999999999999999, 20.00000000000001, 1.99999999999999, 5e-324, 1e300, 0.1}) {
         check(value);
         check(-value);
         check(std::nextafter(value, 1e301));

@@ -35,7 +35,8 @@ TEST(Limit, ofStatements) {
 
 TEST(Limit, ofNesting) {
     EXPECT_EQ(run(nestedCalls(ZEKT::kNestingLimit - 1)), "in\n");
-    EXPECT_EQ(run(nestedCalls(ZEKT::kNestingLimit)), "RunTimeException: Recursion limit reached [call [trace in]]");
+    EXPECT_EQ(run(nestedCalls(ZEKT::kNestingLimit)),
+              "RunTimeException: Recursion limit reached [call [trace in]]");
     EXPECT_EQ(run("f=[call $f]; call $f"), "RunTimeException: Recursion limit reached [call $f]");
     EXPECT_EQ(run("f=[if yes $f]; if yes $f"), "RunTimeException: Recursion limit reached [if yes $f]");
     // Levels come back, also after a failure.

@@ -12,8 +12,9 @@
 
 namespace ScriptRun {
 
-// Knows data format "test-1" (no requirements), `show ARGUMENTS...`, which prints each argument as its readers give
-// it, `list LIST` of two or three elements, and `scope BODY`, which runs a body in a frame of its own.
+// Knows data format "test-1" (no requirements), `show ARGUMENTS...`, which prints each argument as its
+// readers give it, `list LIST` of two or three elements, and `scope BODY`, which runs a body in a frame of
+// its own.
 class Host : public ZEKT::Executor {
 public:
     std::string output;

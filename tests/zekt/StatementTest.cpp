@@ -62,9 +62,8 @@ TEST(Statement, finalValuesOfArguments) {
         {"show a \"b c\\n\" [d {1 + 1}\\x41 \"e\"] f\\ g", "<a><b c\n><d 2A \"e\"><f g>\n"},
         {"v=[x $w]; w=7; show $v", "<x 7>\n"},
         {"v=1 2; show $v$v a:$v:b", "<1 21 2>a<1 2:b>\n"},
-        {"show \\u20AC \\U1F600 \\xe9 \\66\\0x\\q \\xg \\99999999999", "<\xE2\x82\xAC><\xF0\x9F\x98\x80><\xE9><B" +
-                                                                          std::string(1, '\0') +
-                                                                          "xq><xg><\xEF\xBF\xBD>\n"},
+        {"show \\u20AC \\U1F600 \\xe9 \\66\\0x\\q \\xg \\99999999999",
+         "<\xE2\x82\xAC><\xF0\x9F\x98\x80><\xE9><B" + std::string(1, '\0') + "xq><xg><\xEF\xBF\xBD>\n"},
         {"show \"a:b\" [c:d] {yes ? e : f} x\\:y", "<a:b><c:d><e><x:y>\n"},
         {"l=z; show $l:1 l:", "z<1>l<>\n"},
         {"show :1", "SyntaxException: Label cannot be empty [show :1]"},
@@ -78,7 +77,8 @@ TEST(Statement, finalValuesOfArguments) {
 TEST(Statement, splitsLists) {
     expectResults(std::vector<Row>{
         {"list 1,2", "<1><2>\n"},
-        {"list [ a b , \"c,d\",[e $x]]; x=9", "RunTimeException: Variable x does not exist [list [ a b , \"c,d\",[e $x]]]"},
+        {"list [ a b , \"c,d\",[e $x]]; x=9",
+         "RunTimeException: Variable x does not exist [list [ a b , \"c,d\",[e $x]]]"},
         {"x=1,9; list [ a b , \"c,d\",[e $x]]", "<a b><c,d><e 1,9>\n"},
         {"x=1,9; list $x", "<1><9>\n"},
         {"x=1,9; list [$x,2]", "<1,9><2>\n"},
@@ -86,7 +86,8 @@ TEST(Statement, splitsLists) {
         {"list [a /* b */, /* c */]", "<a><>\n"},
         {"list \"\"", "RunTimeException: Too few list elements (got 0, expected at least 2) [list \"\"]"},
         {"list 1", "RunTimeException: Too few list elements (got 1, expected at least 2) [list 1]"},
-        {"list 1,2,3,4", "RunTimeException: Too many list elements (got 4, expected at most 3) [list 1,2,3,4]"},
+        {"list 1,2,3,4",
+         "RunTimeException: Too many list elements (got 4, expected at most 3) [list 1,2,3,4]"},
         {"list", "SyntaxException: Missing indexed argument 0 [list]"},
         {"list 1,2 x:1", "SyntaxException: Unrecognized labels or too many arguments [list 1,2 x:1]"},
     });
@@ -96,8 +97,9 @@ TEST(Instruction, formatAsksTheHost) {
     expectResults(std::vector<Row>{
         {"FORMAT Test-1 requires:ZEKT-1", "format test-1\n"},
         {"format test-1 uses:b,A,b requires:[zekt-1, Zekt-1]", "format test-1 uses a uses b\n"},
-        {"format test-1 requires:x,a,ZEKT-1", "format test-1 requires a requires x\nFormatException: Unsupported data "
-                                              "format [format test-1 requires:x,a,ZEKT-1]"},
+        {"format test-1 requires:x,a,ZEKT-1",
+         "format test-1 requires a requires x\nFormatException: Unsupported data "
+         "format [format test-1 requires:x,a,ZEKT-1]"},
         {"format test-2", "format test-2\nFormatException: Unsupported data format [format test-2]"},
         {"format", "SyntaxException: Missing indexed argument 0 [format]"},
     });
@@ -110,7 +112,8 @@ TEST(Instruction, branchesAndLoops) {
          "RunTimeException: Invalid boolean (should be 'yes' or 'no'): 1 [if {1} [trace a]]"},
         {"if Yes []", "RunTimeException: Invalid boolean (should be 'yes' or 'no'): Yes [if Yes []]"},
         {"if yes", "SyntaxException: Missing indexed argument 1 [if yes]"},
-        {"if yes [trace a] [b]", "SyntaxException: Unrecognized labels or too many arguments [if yes [trace a] [b]]"},
+        {"if yes [trace a] [b]",
+         "SyntaxException: Unrecognized labels or too many arguments [if yes [trace a] [b]]"},
         {"if no [trace (] else:[trace b]; if yes [\n x ]",
          "b\nSyntaxException: Unrecognized instruction: x [x]"},
         {"for i from:3 to:3 [trace $i]", "3\n"},
@@ -123,7 +126,8 @@ TEST(Instruction, branchesAndLoops) {
         {"for i from:a to:2 []", "RunTimeException: Invalid number: a [for i from:a to:2 []]"},
         {"for i from:1 to:2 reverse:no []",
          "SyntaxException: Unrecognized labels or too many arguments [for i from:1 to:2 reverse:no []]"},
-        {"for \"a b\" from:1 to:2 []", "RunTimeException: Could not set variable [for \"a b\" from:1 to:2 []]"},
+        {"for \"a b\" from:1 to:2 []",
+         "RunTimeException: Could not set variable [for \"a b\" from:1 to:2 []]"},
         {"y=2; for v in:[a, $y, \"c,d\"] [trace $v]", "a\n2\n\"c,d\"\n"},
         {"for v in:a,b,c reverse:yes [trace $v]; for v in:\"\" [trace no]", "c\nb\na\n"},
         {"repeat 2 [trace a]; repeat 0 [trace b]; repeat -1 [trace c]", "a\na\n"},
@@ -174,6 +178,7 @@ TEST(Instruction, bodiesRunAgainAsTheirTextSays) {
          "0\nRunTimeException: Division by zero [trace {1/(1-$i)}]"},
         {"for b in:[[trace a],[trace b],[trace a]] [ call $b ]", "a\nb\na\n"},
         {"f=[ if [{$0 > 0}] [ trace $0; call $f {$0 - 1} ] ]; call $f 3", "3\n2\n1\n"},
-        {"for i from:1 to:2 [ call [ local x=$0; trace $x; x={$x * 2}; return x ] $i; trace $x ]", "1\n2\n2\n4\n"},
+        {"for i from:1 to:2 [ call [ local x=$0; trace $x; x={$x * 2}; return x ] $i; trace $x ]",
+         "1\n2\n2\n4\n"},
     });
 }

@@ -3,6 +3,7 @@
 #include "platform/HttpGet.h"
 
 #include "platform/linux/DynamicLibrary.h"
+#include "platform/linux/QuietThread.h"
 
 #include <curl/curl.h>
 
@@ -89,7 +90,7 @@ public:
         } else if (multi_ = curl_->multiInit(); !multi_) {
             finish("Out of memory");
         } else {
-            thread_ = std::thread([this] { run(); });
+            thread_ = startQuietThread([this] { run(); });
         }
     }
     ~CurlHttpGet() override {

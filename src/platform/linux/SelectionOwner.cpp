@@ -1,3 +1,4 @@
+#include "platform/linux/QuietThread.h"
 #include "platform/linux/XSelection.h"
 
 #include <poll.h>
@@ -26,7 +27,7 @@ SelectionOwner::SelectionOwner(std::string text)
     try {
         claim();
         owns_ = true;
-        thread_ = std::thread([this] { run(); });
+        thread_ = startQuietThread([this] { run(); });
     } catch (...) {
         close(wake_);
         throw;

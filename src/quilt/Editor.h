@@ -1,0 +1,117 @@
+// One editor: a top document with all that is nested in it, the variables they share, and the way of events and
+// time to them. The window calls it; it needs none, so that layouts can be loaded and drawn anywhere.
+//
+//   Editor editor(services);
+//   editor.open("MURMELON_MAIN", {0, 0, 470, 320});
+//   ... editor.tick() some 30 times a second, input as it comes ...
+#pragma once
+
+#include "quilt/ActionHandler.h"
+#include "quilt/Clock.h"
+#include "quilt/Desktop.h"
+#include "quilt/DocumentSource.h"
+#include "quilt/EditorHost.h"
+#include "quilt/ErrorQueue.h"
+#include "quilt/Geometry.h"
+#include "quilt/Scale.h"
+#include "quilt/TextEdit.h"
+#include "quilt/VariableProvider.h"
+#include "quilt/Variables.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Quilt {
+
+class Document;
+class View;
+class ViewFactory;
+
+class Editor {
+public:
+    // All of these outlive the editor.
+    struct Services {
+        const DocumentSource& documents;
+        const ViewFactory& views;
+        Desktop& desktop;
+        EditorHost& host;
+        const Clock& clock;
+        VariableProvider* variables = nullptr;
+        ActionHandler* actions = nullptr;
+    };
+
+    explicit Editor(const Services& services);
+    ~Editor();
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+
+    // `area` is what encloses the document, in units.
+    void open(const std::string& name, const Rectangle& area, bool reload = false);
+    void close();
+
+    // At the next tick, or when the event that is being handled is done with.
+    void requestReload() { reloadRequested_ = true; }
+
+    // Views look at the variables again at the next occasion, changed or not: new ones have come.
+    void requestUpdate() { updateRequested_ = true; }
+
+    // Whether the views that are being made take the place of others of the same document.
+    bool reloading() const { return reloading_; }
+
+    // Carries out what an event or an action has brought about: changed variables, nested documents that come and
+    // go, a reload.
+    void settle();
+
+    // Lets time go on: timers, changed variables, moving views, waiting errors.
+    void tick();
+
+    Document* document() const { return document_.get(); }
+    View* root() const { return root_.get(); }
+    Variables& variables() { return variables_; }
+    const Services& services() const { return services_; }
+    ErrorQueue& errors() { return errors_; }
+
+    static constexpr double kSmallestScale = 0.125;
+    static constexpr double kLargestScale = 8;
+
+    // Of the variable `uiScale`; 1/1 when it says nothing of use.
+    Scale userScale() const;
+
+    void invalidate(const Rectangle& part);
+
+    // Puts a field over the surface, in place of one that is there.
+    void editText(TextEdit edit);
+    void endTextEdit(std::optional<std::string> typed);
+    const TextEdit* textEdit() const { return textEdit_ ? &*textEdit_ : nullptr; }
+
+private:
+    friend class Document; // enters and leaves itself
+
+    void load(bool reload);
+    void update();
+    void showErrors();
+    void show(const ErrorQueue::Error& error);
+    template <typename Call>
+    void inAllDocuments(Call call);
+    Variables::Failed failedWrite();
+
+    Services services_;
+    Variables variables_;
+    ErrorQueue errors_;
+    std::string name_;
+    Rectangle area_;
+    std::vector<Document*> documents_; // all that are alive, parents before what is nested in them
+    std::unique_ptr<Document> document_;
+    std::unique_ptr<View> root_; // goes before its document
+    std::optional<TextEdit> textEdit_;
+    std::uint64_t seenChanges_ = 0;
+    bool reloadRequested_ = false;
+    bool updateRequested_ = false;
+    bool reloading_ = false;
+    bool settling_ = false;
+    bool errorShown_ = false;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); // for answers that come when the editor may be gone
+};
+
+} // namespace Quilt

@@ -1,0 +1,25 @@
+// The layouts that the command reads: a file, and what it names in turn: resources of the plug-in, then files
+// beside it.
+#pragma once
+
+#include "quilt/DocumentSource.h"
+
+#include <string>
+
+namespace Tool {
+
+class LayoutFiles : public Quilt::DocumentSource {
+public:
+    // A file, - for standard input, or the name of a resource.
+    explicit LayoutFiles(std::string file) : file_(std::move(file)) {}
+
+    // What the document is called: the file as it was given, nothing for standard input.
+    const std::string& name() const { return file_; }
+
+    std::string obtain(const std::string& name) const override;
+
+private:
+    std::string file_;
+};
+
+} // namespace Tool

@@ -1,0 +1,79 @@
+// Any text is a layout document: it is loaded, lives for a while, is loaded anew at another scale and closed. Names of
+// documents in it lead back to the text itself.
+#include "quilt/Document.h"
+#include "quilt/Editor.h"
+#include "quilt/View.h"
+#include "quilt/ViewFactory.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+struct Documents : Quilt::DocumentSource {
+    std::string text;
+    std::string obtain(const std::string& name) const override {
+        if (name == "none") {
+            throw std::runtime_error("No such document: none");
+        }
+        return text;
+    }
+};
+
+struct Surroundings : Quilt::Desktop, Quilt::EditorHost, Quilt::Clock {
+    std::chrono::milliseconds time{0};
+
+    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> answer) override {
+        if (message.defaultButton >= message.buttons.size()) {
+            std::abort();
+        }
+        answer(message.buttons[message.defaultButton]);
+    }
+    void popUpMenu(const std::vector<Quilt::MenuItem>&, std::optional<Quilt::Rectangle>,
+                   std::function<void(std::optional<int>)> chosen) override {
+        chosen(1);
+    }
+    void launch(const std::string&) override {}
+    std::optional<std::string> clipboardText() override { return std::nullopt; }
+    void setClipboardText(const std::string&) override {}
+    void log(const std::string&) override {}
+    std::chrono::milliseconds now() const override { return time; }
+};
+
+void check(const Quilt::View& view) {
+    if (view.bounds().width < 0 || view.bounds().height < 0) {
+        std::abort();
+    }
+    for (const auto& child : view.children()) {
+        check(*child);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // A document that shows itself twice has a million views on its twentieth level: the size of a text bounds
+    // what is read of it, not how often.
+    constexpr std::size_t kLongest = 4096;
+    if (size > kLongest) {
+        return 0;
+    }
+    static const auto views = Quilt::standardViews();
+    Documents documents;
+    documents.text.assign(reinterpret_cast<const char*>(data), size);
+    Surroundings surroundings;
+    Quilt::Editor editor({documents, views, surroundings, surroundings, surroundings});
+    editor.open("main", {0, 0, 470, 320});
+    for (int i = 0; i < 3; ++i) {
+        surroundings.time += std::chrono::milliseconds(100);
+        editor.tick();
+    }
+    check(*editor.root());
+    editor.variables().set("uiScale", "5/4");
+    editor.tick();
+    check(*editor.root());
+    return 0;
+}
