@@ -11,8 +11,8 @@
 
 namespace Platform {
 
-enum class MessageButtons { ok, okCancel, yesNoCancel };
-enum class MessageAnswer { ok, cancel, yes, no };
+enum class MessageButtons { ok, okCancel, retryCancel, yesNo, yesNoCancel, abortRetryIgnore };
+enum class MessageAnswer { ok, cancel, yes, no, retry, abort, ignore };
 
 class MessageDialog {
 public:
@@ -20,12 +20,13 @@ public:
 
     // `answered` is called once, from within poll() and never from here, unless the dialog is destroyed
     // before, which takes it off the screen. `answered` may destroy the dialog. Escape and closing answer
-    // cancel, or ok where that is the only button. The painter must outlive the dialog. `owner` (0: none)
+    // with the last button. The return key chooses button number `byReturn`, counted from the left. The painter must outlive the dialog. `owner` (0: none)
     // stays behind it. Throws std::runtime_error when no window can be had. On Windows this call returns when
     // the user has answered.
     static std::unique_ptr<MessageDialog> open(NativeWindow owner, const std::string& title,
                                                const std::string& text, MessageButtons buttons,
-                                               TextPainter& painter, Answered answered);
+                                               TextPainter& painter, Answered answered,
+                                               int byReturn = 0);
 
     virtual ~MessageDialog() = default;
 

@@ -8,6 +8,7 @@ namespace Tool {
 
 void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
+void addBridgeCommand(CLI::App& program);
 void addExprCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
 void addImageCommand(CLI::App& program);

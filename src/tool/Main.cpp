@@ -32,6 +32,7 @@ int run(int argc, char** argv) {
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
     Tool::addImageCommand(program);
+    Tool::addBridgeCommand(program);
     Tool::addImageScriptCommand(program);
 
     try {

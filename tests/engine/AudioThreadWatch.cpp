@@ -16,9 +16,9 @@
 
 namespace AudioThreadWatch {
 
-thread_local bool counting = false;
-thread_local int allocations = 0;
-thread_local int locks = 0;
+constinit thread_local bool counting = false;
+constinit thread_local int allocations = 0;
+constinit thread_local int locks = 0;
 
 #if defined(MURMELON_SANITIZED)
 const bool kSeesEverything = false;

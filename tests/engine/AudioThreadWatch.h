@@ -5,9 +5,9 @@
 namespace AudioThreadWatch {
 
 // Of this thread, while it counts.
-extern thread_local bool counting;
-extern thread_local int allocations;
-extern thread_local int locks;
+extern constinit thread_local bool counting;
+extern constinit thread_local int allocations;
+extern constinit thread_local int locks;
 
 // Under sanitizers, whose own allocator and lock cannot be stood in for, only `new` and `delete` are seen.
 extern const bool kSeesEverything;

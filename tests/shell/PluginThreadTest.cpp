@@ -17,9 +17,10 @@ TEST(PluginThreads, aHostThatDoesEverythingAtOnce) {
     const std::string bank = host.chunk();
     const std::string program = host.chunk(true);
     std::atomic<bool> done = false;
+    std::atomic<int> turns = 0; // however busy the machine is, both threads get some
     std::thread audio([&] {
         const Sound in = voice(512);
-        for (int block = 0; block < 600; ++block) {
+        for (int block = 0; block < 600 || turns < 200; ++block) {
             host.midi(block % 512, 0x90, block % 128, 100);
             host.midi(block % 512, 0x80, block % 128, 0);
             host.set(block % 10, static_cast<float>(block % 17) / 16);
@@ -34,7 +35,7 @@ TEST(PluginThreads, aHostThatDoesEverythingAtOnce) {
             host.text(effGetProgramName, 0, 24);
         }
     });
-    for (int turn = 0; !done; ++turn) {
+    for (int turn = 0; !done; turns = ++turn) {
         host.set(turn % 10, static_cast<float>(turn % 5) / 4);
         switch (turn % 8) {
         case 0: EXPECT_TRUE(host.setChunk(bank)); break;
@@ -78,10 +79,11 @@ TEST(PluginThreads, theEditorWorksWhileItPlays) {
     instance.resume();
     instance.patches().copy(); // something to exchange with
     std::atomic<bool> done = false;
+    std::atomic<int> turns = 0; // however busy the machine is, both threads get some
     std::thread audio([&] {
         Sound sound = voice(256);
         float* const both[] = {sound.left.data(), sound.right.data()};
-        for (int block = 0; block < 600; ++block) {
+        for (int block = 0; block < 600 || turns < 200; ++block) {
             instance.audio().receive({block % 256, 0xB0, 20, static_cast<std::uint8_t>(block % 128)});
             instance.audio().receive({block % 256, 0xC0, static_cast<std::uint8_t>(block % 16), 0});
             instance.process({.in = both, .out = both, .samples = 256});
@@ -90,7 +92,7 @@ TEST(PluginThreads, theEditorWorksWhileItPlays) {
     });
     Model::MidiConfig config;
     config.programChanges = true;
-    for (int turn = 0; !done; ++turn) {
+    for (int turn = 0; !done; turns = ++turn) {
         config.assignments.assign(turn % 10, 20);
         instance.midiConfigs().replace(config);
         instance.editParameter(turn % 10, static_cast<float>(turn % 9) / 8);

@@ -28,6 +28,14 @@ std::vector<Button> buttonsFor(MessageButtons buttons) {
         return {{"OK", MessageAnswer::ok}, {"Cancel", MessageAnswer::cancel}};
     case MessageButtons::yesNoCancel:
         return {{"Yes", MessageAnswer::yes}, {"No", MessageAnswer::no}, {"Cancel", MessageAnswer::cancel}};
+    case MessageButtons::retryCancel:
+        return {{"Retry", MessageAnswer::retry}, {"Cancel", MessageAnswer::cancel}};
+    case MessageButtons::yesNo:
+        return {{"Yes", MessageAnswer::yes}, {"No", MessageAnswer::no}};
+    case MessageButtons::abortRetryIgnore:
+        return {{"Abort", MessageAnswer::abort},
+                {"Retry", MessageAnswer::retry},
+                {"Ignore", MessageAnswer::ignore}};
     case MessageButtons::ok:
         break;
     }
@@ -37,9 +45,10 @@ std::vector<Button> buttonsFor(MessageButtons buttons) {
 class XMessageDialog final : public MessageDialog, private WindowListener {
 public:
     XMessageDialog(NativeWindow owner, const std::string& title, const std::string& text,
-                   MessageButtons buttons, TextPainter& painter, Answered answered)
+                   MessageButtons buttons, TextPainter& painter, Answered answered, int byReturn)
         : painter_(painter), answered_(std::move(answered)), line_(std::max(1, painter.lineHeight())),
-          buttons_(buttonsFor(buttons)) {
+          buttons_(buttonsFor(buttons)),
+          focused_(std::min(static_cast<std::size_t>(byReturn), buttons_.size() - 1)) {
         layOut(text);
         XWindow::Place place;
         place.above = static_cast<xcb_window_t>(owner);
@@ -177,7 +186,7 @@ private:
     std::vector<Button> buttons_;
     std::vector<std::string> lines_;
     Size size_;
-    std::size_t focused_ = 0;
+    std::size_t focused_;
     std::optional<std::size_t> pressed_;
     std::optional<MessageAnswer> answer_;
     std::unique_ptr<XWindow> window_;
@@ -187,8 +196,10 @@ private:
 
 std::unique_ptr<MessageDialog> MessageDialog::open(NativeWindow owner, const std::string& title,
                                                    const std::string& text, MessageButtons buttons,
-                                                   TextPainter& painter, Answered answered) {
-    return std::make_unique<XMessageDialog>(owner, title, text, buttons, painter, std::move(answered));
+                                                   TextPainter& painter, Answered answered,
+                                               int byReturn) {
+    return std::make_unique<XMessageDialog>(owner, title, text, buttons, painter, std::move(answered),
+                                            byReturn);
 }
 
 void showError(const std::string& title, const std::string& text) noexcept {
