@@ -13,6 +13,8 @@ endfunction()
 # The symbols of a static library stay inside: the host may carry its own copy with its own planner.
 murmelon_static_library(murmelon_fftw libfftw3f.a)
 murmelon_static_library(murmelon_zlib libz.a)
+murmelon_static_library(murmelon_png libpng.a)
+target_link_libraries(murmelon_png INTERFACE murmelon_zlib m)
 
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
@@ -23,7 +25,6 @@ add_library(murmelon_agg INTERFACE)
 target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
 
 # The command's own.
-pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
 pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
 pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)

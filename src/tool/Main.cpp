@@ -31,6 +31,7 @@ int run(int argc, char** argv) {
     Tool::addMetaTextCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageCommand(program);
     Tool::addBridgeCommand(program);
     Tool::addImageScriptCommand(program);
 
