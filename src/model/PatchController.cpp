@@ -69,7 +69,7 @@ std::filesystem::path PatchController::proposedFile() const {
     return file += kPatchExtension;
 }
 
-void PatchController::changeParameter(int id, float value) {
+void PatchController::changeParameter(int id, float value, UndoStep step) {
     if (Parameters::clampNormalised(value) == current().value(id)) {
         return;
     }
@@ -78,7 +78,7 @@ void PatchController::changeParameter(int id, float value) {
         const auto& record = Parameters::kTable[static_cast<std::size_t>(id)];
         description.replace(placeholder, 2, surroundings_.translate(record.displayName));
     }
-    history_.record(std::move(description), true, current(), programs_.current());
+    history_.record(std::move(description), step == UndoStep::ofRun, current(), programs_.current());
     current().setValue(id, value);
 }
 

@@ -35,6 +35,11 @@ public:
     NoClipboardContent();
 };
 
+enum class UndoStep {
+    ofRun, // joins the step before it when that changed the same parameter
+    own,
+};
+
 class PatchController {
 public:
     PatchController(Programs& programs, TextFiles& files, PatchSurroundings& surroundings)
@@ -55,8 +60,7 @@ public:
     // The current patch's file, or a file name for a patch that has none.
     std::filesystem::path proposedFile() const;
 
-    // One undo step for each change, or run of changes of the same parameter.
-    void changeParameter(int id, float value);
+    void changeParameter(int id, float value, UndoStep step = UndoStep::ofRun);
     void rename(const std::string& name);
 
     void undo();

@@ -15,7 +15,7 @@ void UndoHistory::record(std::string description, bool coalesce, const Patch& pr
 }
 
 const UndoHistory::Entry* UndoHistory::undo(const Patch& present, int program) {
-    if (position_ == 0) {
+    if (!canUndo()) {
         return nullptr;
     }
     if (!canRedo()) {

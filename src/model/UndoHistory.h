@@ -38,11 +38,12 @@ public:
     std::string undoDescription() const;
     std::string redoDescription() const;
 
+    bool canUndo() const { return position_ > 0; }
+    bool canRedo() const { return position_ + 1 < entries_.size(); }
     std::size_t size() const { return entries_.size(); }
     std::size_t position() const { return position_; }
 
 private:
-    bool canRedo() const { return position_ + 1 < entries_.size(); }
     void forgetFromPosition();
     void append(std::string description, const Patch& patch, int program);
 

@@ -8,8 +8,10 @@ namespace Tool {
 
 void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
+void addBridgeCommand(CLI::App& program);
 void addExprCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
+void addImageCommand(CLI::App& program);
 void addImageScriptCommand(CLI::App& program);
 void addMetaTextCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);

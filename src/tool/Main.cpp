@@ -35,6 +35,8 @@ int run(int argc, char** argv) {
     Tool::addMetaTextCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageCommand(program);
+    Tool::addBridgeCommand(program);
     Tool::addImageScriptCommand(program);
 
     try {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <memory>
 
 namespace Tool {
@@ -13,7 +14,10 @@ void addTextArgument(CLI::App& command, const char* help,
     command.allow_extras();
     auto* const option = command.add_option("TEXT", *text, help)->allow_extra_args(false);
     command.callback([&command, option, text, run] {
-        const auto others = command.remaining();
+        auto others = command.remaining();
+        if (const auto mark = std::ranges::find(others, "--"); mark != others.end()) {
+            others.erase(mark); // says that no option follows, as elsewhere
+        }
         if (option->count() + others.size() > 1) {
             throw CLI::ExtrasError(command.get_name(), others);
         }

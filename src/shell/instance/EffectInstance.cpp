@@ -31,7 +31,7 @@ constexpr double kLongestTailSeconds = 10;        // a frozen frame would sound 
 EffectInstance::EffectInstance(Host& host, const Surroundings& surroundings)
     : host_(host),
       preferences_(surroundings.preferences, [this](const std::string& message) { report(message); }),
-      patches_(programs_, surroundings.files, *this),
+      keptVariables_(preferences_, programs_), patches_(programs_, surroundings.files, *this),
       midiConfigs_(mapping_, surroundings.files, preferences_), audio_(programs_, mapping_) {
     start(surroundings);
 }
@@ -61,6 +61,7 @@ void EffectInstance::start(const Surroundings& surroundings) {
 
 void EffectInstance::beginEdit(int id) {
     editing_ |= 1u << id;
+    untouched_ |= 1u << id;
     host_.beginEdit(id);
 }
 
@@ -75,7 +76,9 @@ void EffectInstance::editParameter(int id, float value) {
     }
     {
         const auto lock = lockState();
-        patches_.changeParameter(id, value);
+        const bool newStep = (untouched_ & (1u << id)) != 0;
+        patches_.changeParameter(id, value, newStep ? Model::UndoStep::own : Model::UndoStep::ofRun);
+        untouched_ &= ~(1u << id);
     }
     host_.automate(id, value);
     if (ownGesture) {
@@ -85,6 +88,7 @@ void EffectInstance::editParameter(int id, float value) {
 
 void EffectInstance::endEdit(int id) {
     editing_ &= ~(1u << id);
+    untouched_ &= ~(1u << id);
     host_.endEdit(id);
 }
 
@@ -107,25 +111,27 @@ void EffectInstance::renameProgram(const std::string& name) {
 
 std::string EffectInstance::bankChunk() const {
     const auto lock = lockState();
-    return Bnk::writeBankChunk(programs_, midiConfigs_.config());
+    return Bnk::writeBankChunk(programs_, midiConfigs_.config(), keptVariables_.projectText());
 }
 
 std::string EffectInstance::programChunk() const {
     const auto lock = lockState();
-    return Bnk::writeProgramChunk(programs_.currentPatch());
+    return Bnk::writeProgramChunk(programs_.currentPatch(), keptVariables_.programText());
 }
 
 void EffectInstance::readBankChunk(std::string_view chunk) {
     const auto lock = lockState();
     replacements_.fetch_add(1, std::memory_order_relaxed); // also when it fails half way
     Model::MidiConfig config = midiConfigs_.config();
-    Bnk::readBankChunk(chunk, programs_, config);
+    const std::string variables = Bnk::readBankChunk(chunk, programs_, config);
     midiConfigs_.replace(config);
+    attempt([&] { keptVariables_.readProject(variables); });
 }
 
 void EffectInstance::readProgramChunk(std::string_view chunk) {
     const auto lock = lockState();
-    Bnk::readProgramChunk(chunk, programs_);
+    const std::string variables = Bnk::readProgramChunk(chunk, programs_);
+    attempt([&] { keptVariables_.readProgram(variables); });
     replacements_.fetch_add(1, std::memory_order_relaxed);
 }
 

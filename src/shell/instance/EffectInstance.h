@@ -11,6 +11,7 @@
 #include "instance/Host.h"
 #include "instance/InstanceIdentity.h"
 
+#include "model/KeptVariables.h"
 #include "model/MidiConfigController.h"
 #include "model/PatchController.h"
 #include "model/Preferences.h"
@@ -55,8 +56,9 @@ public:
     void setParameter(int id, float value) noexcept { programs_.currentPatch().setValue(id, value); }
     float parameter(int id) const noexcept { return programs_.currentPatch().value(id); }
 
-    // From the editor: told to the host as automation, with one undo step. A gesture, from mouse down to mouse
-    // up, stands between begin and end; a change outside one is a gesture of its own.
+    // From the editor: told to the host as automation. A gesture, from mouse down to mouse up, stands between
+    // begin and end, and is one undo step. A change outside one is a gesture of its own to the host; a run of
+    // them on one parameter is one undo step.
     void beginEdit(int id);
     void editParameter(int id, float value);
     void endEdit(int id);
@@ -64,6 +66,7 @@ public:
     // --- Programs and the current patch
 
     Model::PatchController& patches() { return patches_; }
+    const Model::PatchController& patches() const { return patches_; }
     const Model::Programs& programs() const { return programs_; }
     void selectProgram(int program) noexcept { programs_.select(program); } // [any] by the host
     void switchProgram(int program);                                       // by the editor; the host is told
@@ -82,7 +85,10 @@ public:
     void forgetStartupBank();
 
     Model::MidiConfigController& midiConfigs() { return midiConfigs_; }
+    const Model::MidiConfigController& midiConfigs() const { return midiConfigs_; }
     Model::Preferences& preferences() { return preferences_; }
+    Model::KeptVariables& keptVariables() { return keptVariables_; }
+    const Model::KeptVariables& keptVariables() const { return keptVariables_; }
 
     [[nodiscard]] std::unique_lock<std::recursive_mutex> lockState() const {
         return std::unique_lock(stateMutex_);
@@ -135,10 +141,12 @@ private:
     std::atomic<unsigned> replacements_{0};
     std::atomic<bool> suspended_{true};
     std::uint32_t editing_ = 0; // a bit for each parameter under a gesture
+    std::uint32_t untouched_ = 0; // those of them that the gesture has not moved yet
 
     Model::Programs programs_;
     Model::MidiMapping mapping_;
     Model::Preferences preferences_;
+    Model::KeptVariables keptVariables_;
     Model::PatchController patches_;
     Model::MidiConfigController midiConfigs_;
     AudioPath audio_;

@@ -67,6 +67,15 @@ std::string pack(const BankHeader& header, std::string_view content) {
     return chunk += deflated(content);
 }
 
+// Whatever follows what is known is no error: only a whole text counts.
+std::string_view variablesBehind(ByteReader content) {
+    try {
+        return content.rest().empty() ? std::string_view() : content.string();
+    } catch (const StreamException&) {
+        return {};
+    }
+}
+
 } // namespace
 
 BankContent::BankContent(std::string_view chunk) : content_({}) {
@@ -82,7 +91,11 @@ std::optional<std::string_view> BankContent::midiConfig() {
     return magic_ == kNewestBankMagic ? std::optional(content_.string()) : std::nullopt;
 }
 
-void readBankChunk(std::string_view chunk, Model::Programs& programs, Model::MidiConfig& midiConfig) {
+std::string_view BankContent::variables() {
+    return magic_ == kNewestBankMagic ? variablesBehind(content_) : std::string_view();
+}
+
+std::string readBankChunk(std::string_view chunk, Model::Programs& programs, Model::MidiConfig& midiConfig) {
     BankContent content(chunk);
     for (std::uint32_t i = 0; i < content.count(); ++i) {
         const std::string_view text = content.nextPatch();
@@ -93,22 +106,24 @@ void readBankChunk(std::string_view chunk, Model::Programs& programs, Model::Mid
     Model::MidiConfig read;
     if (const auto text = content.midiConfig()) {
         if (!Model::readMidiConfig(std::string(*text), read)) {
-            return; // a text that holds none changes nothing
+            read = midiConfig; // a text that holds none changes nothing
         }
     }
     midiConfig = std::move(read);
+    return std::string(content.variables());
 }
 
-std::string writeBankChunk(const Model::Programs& programs, const Model::MidiConfig& midiConfig) {
+std::string writeBankChunk(const Model::Programs& programs, const Model::MidiConfig& midiConfig,
+                           std::string_view variables) {
     std::vector<std::string> patches;
     for (int program = 0; program < Model::Programs::kCount; ++program) {
         patches.push_back(Model::writePatch(programs[program]));
     }
-    return packBankChunk({}, patches, Model::writeMidiConfig(midiConfig));
+    return packBankChunk({}, patches, Model::writeMidiConfig(midiConfig), variables);
 }
 
 std::string packBankChunk(const BankHeader& header, std::span<const std::string> patches,
-                          std::string_view midiConfig) {
+                          std::string_view midiConfig, std::string_view variables) {
     std::string content;
     appendLittleEndian(content, static_cast<std::uint32_t>(patches.size()));
     for (const std::string& patch : patches) {
@@ -117,19 +132,27 @@ std::string packBankChunk(const BankHeader& header, std::span<const std::string>
     content.append(kHostStateSize, '\0');
     if (header.magic == kNewestBankMagic) {
         appendString(content, midiConfig);
+        if (!variables.empty()) {
+            appendString(content, variables);
+        }
     }
     return pack(header, content);
 }
 
-void readProgramChunk(std::string_view chunk, Model::Programs& programs) {
+std::string readProgramChunk(std::string_view chunk, Model::Programs& programs) {
     const Chunk unpacked =
         unpack(chunk, {kFirstLegacyProgramMagic, kSecondLegacyProgramMagic}, {kProgramMagic});
-    programs.currentPatch() = Model::readPatch(std::string(ByteReader(unpacked.content).string()));
+    ByteReader content(unpacked.content);
+    programs.currentPatch() = Model::readPatch(std::string(content.string()));
+    return std::string(variablesBehind(content));
 }
 
-std::string writeProgramChunk(const Model::Patch& patch) {
+std::string writeProgramChunk(const Model::Patch& patch, std::string_view variables) {
     std::string content;
     appendString(content, Model::writePatch(patch));
+    if (!variables.empty()) {
+        appendString(content, variables);
+    }
     return pack({.magic = kProgramMagic}, content);
 }
 

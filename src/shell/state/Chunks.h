@@ -31,12 +31,16 @@ enum BankMagic : std::uint32_t {
 // the slots are dropped, and slots beyond the texts stay. When a part is not well it throws (Errors.h, or
 // what reading patches and MIDI configurations throws), and what was installed before stays. Blocks without a
 // MIDI configuration reset `midiConfig`.
-void readBankChunk(std::string_view chunk, Model::Programs& programs, Model::MidiConfig& midiConfig);
-std::string writeBankChunk(const Model::Programs& programs, const Model::MidiConfig& midiConfig);
+//
+// Both kinds of block may end in one text more: what layouts keep with the project or the program. Readers
+// that know nothing of it never look there; an empty one is not written.
+std::string readBankChunk(std::string_view chunk, Model::Programs& programs, Model::MidiConfig& midiConfig);
+std::string writeBankChunk(const Model::Programs& programs, const Model::MidiConfig& midiConfig,
+                           std::string_view variables = {});
 
 // Into the slot of the current program.
-void readProgramChunk(std::string_view chunk, Model::Programs& programs);
-std::string writeProgramChunk(const Model::Patch& patch);
+std::string readProgramChunk(std::string_view chunk, Model::Programs& programs);
+std::string writeProgramChunk(const Model::Patch& patch, std::string_view variables = {});
 
 // A bank chunk's texts one after the other, for readers who want them as they stand.
 class BankContent {
@@ -54,6 +58,9 @@ public:
     // Behind the last patch: the MIDI configuration's text; nullopt for formats without.
     std::optional<std::string_view> midiConfig();
 
+    // Behind that: the variables of layouts; empty for blocks without.
+    std::string_view variables();
+
 private:
     std::uint32_t magic_ = 0;
     std::string inflated_;
@@ -69,6 +76,6 @@ struct BankHeader {
 
 // A bank chunk of these texts. Older formats leave `midiConfig` out.
 std::string packBankChunk(const BankHeader& header, std::span<const std::string> patches,
-                          std::string_view midiConfig);
+                          std::string_view midiConfig, std::string_view variables = {});
 
 } // namespace Bnk

@@ -1,0 +1,320 @@
+// `murmelon bridge`: one effect instance with no window, driven by lines of text through the editor's variables
+// and actions. What would go through a desktop is answered from variables: a file dialog with the path in
+// instance.dialogAnswer, a menu with the item whose caption is in instance.menuAnswer.
+#include "tool/Commands.h"
+
+#include "bridge/EditorBridge.h"
+#include "bridge/NumberText.h"
+#include "instance/EffectInstance.h"
+#include "metatext/MetaText.h"
+#include "metatext/StringTable.h"
+#include "model/PathText.h"
+#include "notation/Quoting.h"
+#include "platform/MemoryClipboard.h"
+#include "platform/SharedFile.h"
+#include "resources/Resources.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <stdexcept>
+#include <string>
+
+namespace Tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kBlock = 512;
+constexpr float kHalfLevel = 0.5f;
+constexpr long long kMostSamples = 1'000'000'000;
+
+void say(const std::string& line) {
+    std::cout << line << '\n';
+}
+
+// Prints what the effect tells it, and lets the editor's window grow.
+class PrintingHost final : public Shell::Host {
+public:
+    const Shell::HostIdentity& identity() const override { return identity_; }
+    void automate(int parameter, float value) override {
+        say(fmt::format("host: automate {} {}", Parameters::hostIndex(parameter), Bridge::numberText(value)));
+    }
+    void beginEdit(int) override {}
+    void endEdit(int) override {}
+    void updateDisplay() override { say("host: updateDisplay"); }
+    bool sizeWindow(int width, int height) override {
+        say(fmt::format("host: sizeWindow {} {}", width, height));
+        return true;
+    }
+    Shell::HostTransport transport() noexcept override { return {}; }
+
+private:
+    Shell::HostIdentity identity_{"Korvanta", "murmelon", 0, true};
+};
+
+// Where preferences are kept: the user's folder, or one that is gone afterwards.
+class PreferencesFolder {
+public:
+    explicit PreferencesFolder(const std::string& given) : path_(given), temporary_(given.empty()) {
+        std::random_device random;
+        while (path_.empty() || (temporary_ && !fs::create_directories(path_))) {
+            path_ = fs::temp_directory_path() / fmt::format("murmelon-bridge-{:08x}", random());
+        }
+    }
+    ~PreferencesFolder() {
+        std::error_code ignored;
+        if (temporary_) {
+            fs::remove_all(path_, ignored);
+        }
+    }
+    PreferencesFolder(const PreferencesFolder&) = delete;
+    PreferencesFolder& operator=(const PreferencesFolder&) = delete;
+
+    fs::path file() const { return path_ / "preferences"; }
+
+private:
+    fs::path path_;
+    bool temporary_;
+};
+
+// What a user at the desktop would answer, from variables of the instance.
+class AnsweringDesktop final : public Quilt::Desktop {
+public:
+    AnsweringDesktop(Shell::EffectInstance& effect, Platform::Clipboard& clipboard)
+        : effect_(effect), clipboard_(clipboard) {}
+
+    std::string answer(std::string_view name) const {
+        return effect_.keptVariables().get("instance." + std::string(name)).value_or(std::string());
+    }
+
+    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> done) override {
+        std::cerr << message.text << '\n';
+        done(message.buttons.at(message.defaultButton));
+    }
+    void popUpMenu(const std::vector<Quilt::MenuItem>& items, std::optional<Quilt::Rectangle>,
+                   std::function<void(std::optional<int>)> chosen) override {
+        const std::string caption = answer("menuAnswer");
+        const auto item = std::ranges::find_if(items, [&](const Quilt::MenuItem& candidate) {
+            return candidate.enabled && !candidate.caption.empty() && candidate.caption == caption;
+        });
+        chosen(item == items.end() ? std::nullopt : std::optional(item->id));
+    }
+    void launch(const std::string& address) override {
+        throw std::runtime_error("There is no desktop to open " + address);
+    }
+    std::optional<std::string> clipboardText() override { return clipboard_.text(); }
+    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
+
+private:
+    Shell::EffectInstance& effect_;
+    Platform::Clipboard& clipboard_;
+};
+
+class Session final : private Bridge::Environment, private Quilt::ActionContext {
+public:
+    explicit Session(const std::string& preferences)
+        : folder_(preferences), record_(folder_.file()),
+          effect_(host_, {record_, files_, Resources::find(Resources::Type::fxb, "factorybank").value()}),
+          strings_(stringTable()), bridge_(effect_, *this, strings_) {
+        effect_.resume();
+        while (const auto report = effect_.takeReport()) {
+            std::cerr << *report << '\n';
+        }
+    }
+
+    // The answer to a line.
+    std::string answer(const std::string& line) {
+        const auto [command, rest] = firstWord(line);
+        if (command == "get") {
+            return Stackbrace::quote(required(rest));
+        }
+        if (command == "set") {
+            const auto [name, value] = firstWord(rest);
+            set(name, Stackbrace::unquote(value));
+            return "ok";
+        }
+        if (command == "do") {
+            const auto [action, params] = firstWord(rest);
+            perform(action, params);
+            return "ok";
+        }
+        if (command == "enabled" || command == "checked") {
+            const auto [action, params] = firstWord(rest);
+            const Quilt::ActionState state = bridge_.state(action, params, *this);
+            return (command == "enabled" ? state.enabled : state.checked) ? "true" : "false";
+        }
+        if (command == "midi") {
+            receive(rest);
+            return "ok";
+        }
+        if (command == "process") {
+            process(rest);
+            return "ok";
+        }
+        if (command == "clipboard") {
+            if (rest.empty()) {
+                return Stackbrace::quote(clipboard_.text());
+            }
+            clipboard_.setText(Stackbrace::unquote(rest));
+            return "ok";
+        }
+        throw std::runtime_error("Unknown command: " + command);
+    }
+
+private:
+    static std::pair<std::string, std::string> firstWord(const std::string& line) {
+        const auto begin = std::min(line.find_first_not_of(" \t"), line.size());
+        const auto end = std::min(line.find_first_of(" \t", begin), line.size());
+        const auto rest = std::min(line.find_first_not_of(" \t", end), line.size());
+        return {line.substr(begin, end - begin), line.substr(rest)};
+    }
+
+    static Quilt::StringTable stringTable() {
+        const auto text = Resources::find(Resources::Type::strings, "MURMELON_STRINGS");
+        return text ? Quilt::StringTable::read(std::string(*text), "MURMELON_STRINGS") : Quilt::StringTable();
+    }
+
+    std::string required(const std::string& name) const {
+        if (auto value = get(name)) {
+            return *std::move(value);
+        }
+        throw std::runtime_error("Unknown variable: " + name);
+    }
+
+    static int number(const std::string& word, long long least, long long most) {
+        const auto value = Bridge::wholeNumberOf(word);
+        if (!value || *value < least || *value > most) {
+            throw std::runtime_error("Invalid number: " + word);
+        }
+        return *value;
+    }
+
+    void receive(std::string rest) {
+        std::array<std::uint8_t, 3> bytes{};
+        for (std::uint8_t& byte : bytes) {
+            auto [word, behind] = firstWord(rest);
+            byte = static_cast<std::uint8_t>(number(word, 0, 255));
+            rest = std::move(behind);
+        }
+        if (!rest.empty()) {
+            throw std::runtime_error("A MIDI message has three bytes here: " + rest);
+        }
+        effect_.audio().receive({0, bytes[0], bytes[1], bytes[2]});
+    }
+
+    void process(const std::string& rest) {
+        const auto [count, frequencyText] = firstWord(rest);
+        const auto frequency = frequencyText.empty() ? std::optional(0.0f) : Bridge::numberOf(frequencyText);
+        if (!frequency || *frequency < 0) {
+            throw std::runtime_error("Invalid number: " + frequencyText);
+        }
+        const double step = static_cast<double>(*frequency) / effect_.audio().sampleRate();
+        for (int left = number(count, 0, kMostSamples); left > 0;) {
+            const int samples = std::min(left, kBlock);
+            std::array<float, kBlock> sound{};
+            for (int i = 0; i < samples && step > 0; ++i) {
+                sound[static_cast<std::size_t>(i)] =
+                    kHalfLevel * static_cast<float>(std::sin(2 * std::numbers::pi * phase_));
+                phase_ = std::fmod(phase_ + step, 1.0);
+            }
+            const std::array<const float*, 2> in = {sound.data(), sound.data()};
+            std::array<std::array<float, kBlock>, 2> output;
+            const std::array<float*, 2> out = {output[0].data(), output[1].data()};
+            Shell::AudioBuffers buffers;
+            buffers.in = in.data();
+            buffers.out = out.data();
+            buffers.samples = samples;
+            effect_.process(buffers);
+            left -= samples;
+        }
+        effect_.idle();
+        bridge_.idle();
+    }
+
+    // Bridge::Environment
+    void chooseFile(const Bridge::FileQuestion&, Chosen chosen) override {
+        if (const std::string path = desktop_.answer("dialogAnswer"); !path.empty()) {
+            chosen(Model::pathFromUtf8(path));
+        }
+    }
+    std::string clipboardText() override { return clipboard_.text(); }
+    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
+    void tellUser(const std::string& message) override { std::cerr << message << '\n'; }
+    void reloadEditor() override {}
+
+    // Quilt::ActionContext
+    std::optional<std::string> get(std::string_view name) const override { return bridge_.get(name); }
+    void set(std::string_view name, std::string_view value) override {
+        if (!bridge_.set(name, value)) {
+            throw std::runtime_error("Unknown variable: " + std::string(name));
+        }
+    }
+    std::string expandMetaText(std::string_view text) const override {
+        return Quilt::expandMetaText(text, {[this](const std::string& name) { return required(name); },
+                                            [this](const std::string& source) { return translate(source); }});
+    }
+    std::string translate(std::string_view text) const override { return strings_.translate(text); }
+    void perform(std::string_view action, std::string_view params) override {
+        bridge_.perform(action, params, *this);
+    }
+    Quilt::Desktop& desktop() override { return desktop_; }
+    std::optional<Quilt::Rectangle> anchor() const override { return std::nullopt; }
+
+    PreferencesFolder folder_;
+    Platform::SharedFile record_;
+    Model::DiskFiles files_;
+    PrintingHost host_;
+    Shell::EffectInstance effect_;
+    Quilt::StringTable strings_;
+    Platform::MemoryClipboard clipboard_;
+    AnsweringDesktop desktop_{effect_, clipboard_};
+    Bridge::EditorBridge bridge_;
+    double phase_ = 0; // of the sine, in turns
+};
+
+// An answer is one line.
+std::string oneLine(std::string text) {
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+}
+
+void run(const std::string& preferences) {
+    Session session(preferences);
+    for (std::string line; std::getline(std::cin, line);) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        if (line.find_first_not_of(" \t") == std::string::npos) {
+            continue;
+        }
+        try {
+            say(session.answer(line));
+        } catch (const std::exception& error) {
+            say("error: " + oneLine(error.what()));
+        }
+        std::cout.flush(); // somebody may be waiting for the answer before asking the next
+    }
+}
+
+} // namespace
+
+void addBridgeCommand(CLI::App& program) {
+    const auto preferences = std::make_shared<std::string>();
+    CLI::App* command = program.add_subcommand(
+        "bridge", "Drives an effect without a window: reads commands from standard input, answers each.");
+    command->add_option("--preferences", *preferences,
+                        "The folder for preferences (default: an empty one that is removed afterwards)");
+    command->callback([preferences] { run(*preferences); });
+}
+
+} // namespace Tool
