@@ -1,7 +1,6 @@
 # What is bought, each as one imported target. The plug-in links statically what Debian packs as
 # position-independent code; the rest is on every desktop.
 
-find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 
 function(murmelon_static_library target archive)
@@ -13,6 +12,8 @@ endfunction()
 # The symbols of a static library stay inside: the host may carry its own copy with its own planner.
 murmelon_static_library(murmelon_fftw libfftw3f.a)
 murmelon_static_library(murmelon_zlib libz.a)
+murmelon_static_library(murmelon_png libpng.a)
+target_link_libraries(murmelon_png INTERFACE murmelon_zlib m)
 
 add_library(murmelon_fmt INTERFACE)
 target_compile_definitions(murmelon_fmt INTERFACE FMT_HEADER_ONLY=1)
@@ -23,7 +24,16 @@ add_library(murmelon_agg INTERFACE)
 target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
 
 # The command's own.
-pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
-pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
-pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
-pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)
+if(WIN32)
+  # All of it static, from scripts/windows-libraries, whose include folder holds the header-only ones too. There
+  # is no FreeType among them: the font converter is for whoever makes the resources.
+  find_path(WINDOWS_INCLUDE_DIR fftw3.h REQUIRED)
+  include_directories(SYSTEM ${WINDOWS_INCLUDE_DIR})
+  murmelon_static_library(murmelon_sndfile libsndfile.a)
+  add_library(PkgConfig::sndfile ALIAS murmelon_sndfile)
+else()
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)
+  pkg_check_modules(freetype REQUIRED IMPORTED_TARGET freetype2)
+  pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET harfbuzz)
+endif()

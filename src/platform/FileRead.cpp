@@ -1,5 +1,7 @@
 #include "platform/FileRead.h"
 
+#include "platform/LargePages.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
@@ -13,7 +15,10 @@ std::string readAll(std::istream& stream, std::size_t sizeHint) {
     std::string contents;
     std::size_t size = 0;
     while (stream) {
-        contents.resize(size + std::max({kLeastBlock, size, sizeHint}));
+        const std::size_t enough = size + std::max({kLeastBlock, size, sizeHint});
+        contents.reserve(enough);
+        preferLargePages(contents.data() + size, enough - size);
+        contents.resize(enough);
         sizeHint = 0;
         stream.read(contents.data() + size, static_cast<std::streamsize>(contents.size() - size));
         size += static_cast<std::size_t>(stream.gcount());

@@ -11,6 +11,7 @@ void addBankCommand(CLI::App& program);
 void addBridgeCommand(CLI::App& program);
 void addExprCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
+void addImageCommand(CLI::App& program);
 void addImageScriptCommand(CLI::App& program);
 void addMetaTextCommand(CLI::App& program);
 void addMidiConfigCommand(CLI::App& program);

@@ -1,5 +1,6 @@
 #include "tool/Commands.h"
 
+#include "fonts/FontLibrary.h"
 #include "ovs/Document.h"
 #include "tool/ScriptError.h"
 #include "tool/SurfaceFile.h"
@@ -39,6 +40,8 @@ void drawImage(const Options& options) {
     }
     OVS::Environment environment;
     environment.scale = options.scale;
+    OVS::FontLibrary fonts;
+    environment.fonts = &fonts;
     environment.trace = [](std::string_view line) { std::cout << line << '\n'; };
     for (const std::string& definition : options.definitions) {
         environment.variables.push_back(parted(definition));
@@ -56,10 +59,12 @@ void drawImage(const Options& options) {
 
 void addImageScriptCommand(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    auto* const command = program.add_subcommand("ovs", "Draws a vector image; trace lines go to standard output");
+    auto* const command =
+        program.add_subcommand("ovs", "Draws a vector image; trace lines go to standard output");
     command->add_option("FILE", options->file, "A vector image, or - for standard input")->required();
     command->add_option("OUT", options->picture, "The picture to write, a PNG")->required();
-    command->add_option("--define", options->definitions, "NAME=VALUE, a global variable")->allow_extra_args(false);
+    command->add_option("--define", options->definitions, "NAME=VALUE, a global variable")
+        ->allow_extra_args(false);
     command->add_option("--scale", options->scale, "Pixels for each unit of the image");
     command->callback([options] { drawImage(*options); });
 }

@@ -2,10 +2,14 @@
 // "error: MESSAGE". 2: wrong usage.
 #include "tool/Commands.h"
 
+#include "platform/ThisProgram.h"
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -31,11 +35,14 @@ int run(int argc, char** argv) {
     Tool::addMetaTextCommand(program);
     Tool::addZektCommand(program);
     Tool::addFontCommand(program);
+    Tool::addImageCommand(program);
     Tool::addBridgeCommand(program);
     Tool::addImageScriptCommand(program);
 
     try {
-        program.parse(argc, argv);
+        auto arguments = Platform::argumentsOfThisProgram(argc, argv);
+        std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the end
+        program.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? 0 : kWrongUsage;
     }
@@ -46,6 +53,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
+        Platform::keepStandardStreamsUnchanged();
         const int status = run(argc, argv);
         std::cout.flush();
         return status;

@@ -1,5 +1,8 @@
 #include "tombola/Expansion.h"
 
+#include "platform/LargePages.h"
+
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -13,6 +16,30 @@ constexpr std::size_t kIncludeCost = 16384;
 
 std::string quoted(std::string_view name) {
     return '"' + std::string(name) + '"';
+}
+
+// As the string itself would grow, but into pages that cost less.
+void append(std::string& output, std::string_view text) {
+    if (text.size() > output.capacity() - output.size()) {
+        output.reserve(std::max(output.size() + text.size(), 2 * output.capacity()));
+        Platform::preferLargePages(output.data() + output.size(), output.capacity() - output.size());
+    }
+    output.append(text);
+}
+
+bool isDirective(std::string_view word) {
+    switch (word.empty() ? '\0' : word.front()) {
+    case 'b':
+        return word == "begin";
+    case 'd':
+        return word == "define";
+    case 'i':
+        return word == "if" || word == "include";
+    case 'r':
+        return word == "redefine";
+    default:
+        return false;
+    }
 }
 
 void addStretch(std::vector<Stretch>& stretches, Stretch stretch) {
@@ -72,7 +99,7 @@ void Expansion::run(Frame& frame) {
             continue;
         }
         const std::string_view word = in.identifier();
-        if (word == "define" || word == "if" || word == "begin" || word == "include" || word == "redefine") {
+        if (isDirective(word)) {
             // Blanks before a directive go with its line.
             const char* end = sign;
             while (end != from && (end[-1] == ' ' || end[-1] == '\t')) {
@@ -99,7 +126,7 @@ void Expansion::copy(Frame& frame, const char* begin, const char* end) {
         addStretch(*frame.out.stretches,
                    {frame.out.text.size(), frame.in.source(), frame.in.offsetOf(begin)});
     }
-    frame.out.text.append(begin, size);
+    append(frame.out.text, {begin, size});
 }
 
 void Expansion::insert(Frame& frame, const Value& value) {
@@ -120,7 +147,7 @@ void Expansion::insert(Frame& frame, const Value& value) {
             addStretch(*stretches, {offset, frame.in.source(), frame.in.offsetOf(frame.in.at()) - 1, true});
         }
     }
-    frame.out.text.append(text);
+    append(frame.out.text, text);
 }
 
 void Expansion::directive(Frame& frame, std::string_view word) {
@@ -280,7 +307,7 @@ void Expansion::conditional(Frame& frame) {
             taken = {branch, static_cast<std::size_t>(marker.begin - branch)};
             decided = true;
         }
-        if (marker.kind == Reader::Marker::end) {
+        if (marker.kind == Reader::Marker::endif) {
             break;
         }
         if (marker.kind == Reader::Marker::otherwise) {

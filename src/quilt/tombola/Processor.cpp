@@ -3,6 +3,7 @@
 #include "tombola/Expansion.h"
 
 #include "platform/FileRead.h"
+#include "platform/LargePages.h"
 
 #include <stdexcept>
 #include <utility>
@@ -34,6 +35,7 @@ void Processor::process(std::string sourceName, std::string text, std::string& o
     try {
         if (output.empty()) {
             output.reserve(source->text.size());
+            Platform::preferLargePages(output.data(), output.capacity());
         }
         Reader in(source, source->text);
         Expansion(loader_, source->text.size(), positions != nullptr).expand(in, *top_, {output, stretches});
