@@ -221,6 +221,10 @@ TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
         {"get midiLearnCC", "\"33\""},
         {"do midiAssign { variable: params.mix, unassign: true }", "ok"},
         {"get midiConfig.assignedCount", "\"1\""},
+        {"do sendMidi { message: { 0xB1, 20, 0x7f } }", "ok"},
+        {"set params.pitch 0", "host: automate 0 0\nok"},
+        {"process 512", "host: automate 0 1\nok"},
+        {"do sendMidi { message: { 0x100 } }", "error: Invalid sendMidi byte array: { 0x100 }"},
         {"do sendMidi { message: { 300 } }", "error: Invalid sendMidi byte array: { 300 }"},
         {"do sendMidi { message: loud }", "error: Invalid sendMidi byte array: loud"},
         {"set instance.dialogAnswer my.kvmc", "ok"},
@@ -303,6 +307,8 @@ TEST_F(BridgeCommandTest, IdentityChangesWithProgramAndContentsOnly) {
 
 TEST_F(BridgeCommandTest, TestsItself) {
     expectDialogue({{"do unitTest 2000", "ok"},
+                    {"do unitTest { 10 }", "ok"},
+                    {"do unitTest { 10, 20 }", "error: Invalid action params for unitTest: { 10, 20 }"},
                     {"do unitTest many", "error: Invalid action params for unitTest: many"}});
 }
 
