@@ -67,6 +67,7 @@ public:
     void tick();
 
     Document* document() const { return document_.get(); }
+    std::size_t documentCount() const { return documents_.size(); } // it and all within it
     View* root() const { return root_.get(); }
     Variables& variables() { return variables_; }
     const Services& services() const { return services_; }
