@@ -13,6 +13,7 @@
 #include "platform/MemoryClipboard.h"
 #include "platform/SharedFile.h"
 #include "resources/Resources.h"
+#include "tool/PreferencesFolder.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
@@ -20,19 +21,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <numbers>
-#include <random>
 #include <stdexcept>
 #include <string>
 
 namespace Tool {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int kBlock = 512;
 constexpr float kHalfLevel = 0.5f;
@@ -60,31 +57,6 @@ public:
 
 private:
     Shell::HostIdentity identity_{"Korvanta", "murmelon", 0, true};
-};
-
-// Where preferences are kept: the user's folder, or one that is gone afterwards.
-class PreferencesFolder {
-public:
-    explicit PreferencesFolder(const std::string& given) : path_(given), temporary_(given.empty()) {
-        std::random_device random;
-        while (path_.empty() || (temporary_ && !fs::create_directories(path_))) {
-            path_ = fs::temp_directory_path() / fmt::format("murmelon-bridge-{:08x}", random());
-        }
-    }
-    ~PreferencesFolder() {
-        std::error_code ignored;
-        if (temporary_) {
-            fs::remove_all(path_, ignored);
-        }
-    }
-    PreferencesFolder(const PreferencesFolder&) = delete;
-    PreferencesFolder& operator=(const PreferencesFolder&) = delete;
-
-    fs::path file() const { return path_ / "preferences"; }
-
-private:
-    fs::path path_;
-    bool temporary_;
 };
 
 // What a user at the desktop would answer, from variables of the instance.
