@@ -61,15 +61,6 @@ Quilt::Scale readScale(std::string_view text) {
     return scale;
 }
 
-Quilt::Scale storedScale(const Model::Preferences& preferences) {
-    try {
-        const auto stored = preferences.get(scaleEntry());
-        return stored ? readScale(*stored) : Quilt::Scale();
-    } catch (const std::exception&) {
-        return {};
-    }
-}
-
 // FNV-1a, 64 bits (Fowler, Noll, Vo).
 class Fingerprint {
 public:
@@ -85,6 +76,15 @@ private:
 };
 
 } // namespace
+
+Quilt::Scale storedScale(const Model::Preferences& preferences) {
+    try {
+        const auto stored = preferences.get(scaleEntry());
+        return stored ? readScale(*stored) : Quilt::Scale();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
 
 std::string noteName(int note) {
     static constexpr std::array<std::string_view, 12> kNames = {"C",  "C#", "D",  "D#", "E",  "F",

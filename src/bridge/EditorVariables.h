@@ -46,6 +46,9 @@ private:
     Quilt::Scale scale_;
 };
 
+// The scale that the user has chosen last; 1/1 when there is none that can be used.
+Quilt::Scale storedScale(const Model::Preferences& preferences);
+
 // "C3" is note 60.
 std::string noteName(int note);
 

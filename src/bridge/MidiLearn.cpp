@@ -41,11 +41,20 @@ AssignState MidiLearn::state(const LearnTarget& target) const {
     if (target_ == target) {
         return AssignState::assigning;
     }
+    return numberOf(target) ? AssignState::assigned : AssignState::unassigned;
+}
+
+std::optional<int> MidiLearn::numberOf(const LearnTarget& target) const {
     const Model::MidiConfig& config = effect_.midiConfigs().config();
-    const bool assigned = target.parameter ? config.assignments.controllerOf(*target.parameter) !=
-                                                 Model::ControllerAssignments::kNoController
-                                           : config.programKeysEnabled;
-    return assigned ? AssignState::assigned : AssignState::unassigned;
+    if (!target.parameter) {
+        return config.programKeysEnabled ? std::optional(config.programKeysBaseNote) : std::nullopt;
+    }
+    const int controller = config.assignments.controllerOf(*target.parameter);
+    return controller != Model::ControllerAssignments::kNoController ? std::optional(controller) : std::nullopt;
+}
+
+void MidiLearn::setControllerRange(int parameter, float from, float to) {
+    effect_.audio().setControllerRange(parameter, from, to);
 }
 
 void MidiLearn::toggle(const LearnTarget& target) {

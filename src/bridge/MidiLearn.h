@@ -44,6 +44,12 @@ public:
     void assign(const LearnTarget& target, int number);
     void unassign(const LearnTarget& target);
 
+    // The controller or base key; nullopt when there is none.
+    std::optional<int> numberOf(const LearnTarget& target) const;
+
+    // The parameter's values at the controller's two ends, in this instance from now on.
+    void setControllerRange(int parameter, float from, float to);
+
     // Takes what has come in.
     void poll();
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace Platform {
 
@@ -9,5 +11,11 @@ namespace Platform {
 std::filesystem::path pathOfThisProgram();
 
 bool standardErrorIsTerminal();
+
+// What follows the program's name on the command line, in UTF-8 wherever the system knows the characters.
+std::vector<std::string> argumentsOfThisProgram(int argc, char** argv);
+
+// From here on the standard streams carry bytes as they are: no line end is translated.
+void keepStandardStreamsUnchanged();
 
 } // namespace Platform

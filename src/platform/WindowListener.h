@@ -46,6 +46,10 @@ public:
     // Somebody else has changed the size. What was shown is gone: present all of it again.
     virtual void resized(Size) {}
 
+    // Windows alone: poll() has not been called for a while, as with hosts that know no idle time for editors.
+    // Comes again and again until it is called.
+    virtual void hostIsSilent() {}
+
     // The user wants a top-level window closed.
     virtual void closeRequested() {}
     // The host has destroyed the window, or the display is gone. From now on the window does nothing.

@@ -40,10 +40,10 @@ public:
     struct Services {
         const DocumentSource& documents;
         const ViewFactory& views;
+        Images::ImageLibrary& images;
         Desktop& desktop;
         EditorHost& host;
         const Clock& clock;
-        Images::ImageLibrary& images;
         VariableProvider* variables = nullptr;
         ActionHandler* actions = nullptr;
     };

@@ -5,7 +5,7 @@
 #include "quilt/Editor.h"
 #include "quilt/TextField.h"
 #include "quilt/View.h"
-#include "quilt/drawing/Characters.h"
+#include "quilt/Unicode.h"
 #include "quilt/drawing/Painting.h"
 
 #include <algorithm>
@@ -143,7 +143,7 @@ void Editor::editText(TextEdit edit) {
 
 void Editor::typeInto(std::string_view text) {
     if (field_ != nullptr && !text.empty()) {
-        field_->insert(charactersOf(text));
+        field_->insert(toUtf16(text));
     }
 }
 

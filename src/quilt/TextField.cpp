@@ -1,7 +1,7 @@
 #include "quilt/TextField.h"
 
 #include "quilt/Desktop.h"
-#include "quilt/drawing/Characters.h"
+#include "quilt/Unicode.h"
 #include "quilt/drawing/Painting.h"
 
 #include <algorithm>
@@ -41,13 +41,13 @@ Rectangle TextField::place(const std::optional<Rectangle>& at, const Rectangle& 
 
 TextField::TextField(std::string_view text, const Rectangle& bounds, std::shared_ptr<Images::TextFont> font,
                      double scale)
-    : text_(charactersOf(text)), first_(text_), caret_(text_.size()), bounds_(bounds), font_(std::move(font)),
+    : text_(toUtf16(text)), first_(text_), caret_(text_.size()), bounds_(bounds), font_(std::move(font)),
       scale_(scale) {
     scrollToCaret();
 }
 
 std::string TextField::text() const {
-    return utf8Of(text_);
+    return toUtf8(text_);
 }
 
 double TextField::widthTo(std::size_t place) const {
@@ -112,14 +112,14 @@ bool TextField::clipboardKey(char32_t letter, Desktop& desktop) {
     case U'c':
     case U'x':
         if (caret_ != anchor_) {
-            desktop.setClipboardText(utf8Of(selected()));
+            desktop.setClipboardText(toUtf8(selected()));
             if (letter == U'x') {
                 insert({});
             }
         }
         return true;
     case U'v':
-        insert(charactersOf(desktop.clipboardText().value_or("")));
+        insert(toUtf16(desktop.clipboardText().value_or("")));
         return true;
     default:
         return false;

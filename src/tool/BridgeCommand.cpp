@@ -3,20 +3,12 @@
 // instance.dialogAnswer, a menu with the item whose caption is in instance.menuAnswer.
 #include "tool/Commands.h"
 
-#include "bridge/EditorBridge.h"
 #include "bridge/NumberText.h"
-#include "instance/EffectInstance.h"
 #include "metatext/MetaText.h"
-#include "metatext/StringTable.h"
-#include "model/PathText.h"
 #include "notation/Quoting.h"
-#include "platform/MemoryClipboard.h"
-#include "platform/SharedFile.h"
-#include "resources/Resources.h"
-#include "tool/PreferencesFolder.h"
+#include "tool/WindowlessEffect.h"
 
 #include <CLI/CLI.hpp>
-#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>
@@ -39,35 +31,10 @@ void say(const std::string& line) {
     std::cout << line << '\n';
 }
 
-// Prints what the effect tells it, and lets the editor's window grow.
-class PrintingHost final : public Shell::Host {
-public:
-    const Shell::HostIdentity& identity() const override { return identity_; }
-    void automate(int parameter, float value) override {
-        say(fmt::format("host: automate {} {}", Parameters::hostIndex(parameter), Bridge::numberText(value)));
-    }
-    void beginEdit(int) override {}
-    void endEdit(int) override {}
-    void updateDisplay() override { say("host: updateDisplay"); }
-    bool sizeWindow(int width, int height) override {
-        say(fmt::format("host: sizeWindow {} {}", width, height));
-        return true;
-    }
-    Shell::HostTransport transport() noexcept override { return {}; }
-
-private:
-    Shell::HostIdentity identity_{"Korvanta", "murmelon", 0, true};
-};
-
 // What a user at the desktop would answer, from variables of the instance.
 class AnsweringDesktop final : public Quilt::Desktop {
 public:
-    AnsweringDesktop(Shell::EffectInstance& effect, Platform::Clipboard& clipboard)
-        : effect_(effect), clipboard_(clipboard) {}
-
-    std::string answer(std::string_view name) const {
-        return effect_.keptVariables().get("instance." + std::string(name)).value_or(std::string());
-    }
+    explicit AnsweringDesktop(WindowlessEffect& effect) : effect_(effect) {}
 
     void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> done) override {
         std::cerr << message.text << '\n';
@@ -75,7 +42,7 @@ public:
     }
     void popUpMenu(const std::vector<Quilt::MenuItem>& items, std::optional<Quilt::Rectangle>,
                    std::function<void(std::optional<int>)> chosen) override {
-        const std::string caption = answer("menuAnswer");
+        const std::string caption = effect_.answer("menuAnswer");
         const auto item = std::ranges::find_if(items, [&](const Quilt::MenuItem& candidate) {
             return candidate.enabled && !candidate.caption.empty() && candidate.caption == caption;
         });
@@ -84,24 +51,17 @@ public:
     void launch(const std::string& address) override {
         throw std::runtime_error("There is no desktop to open " + address);
     }
-    std::optional<std::string> clipboardText() override { return clipboard_.text(); }
-    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
+    std::optional<std::string> clipboardText() override { return effect_.clipboard().text(); }
+    void setClipboardText(const std::string& text) override { effect_.clipboard().setText(text); }
 
 private:
-    Shell::EffectInstance& effect_;
-    Platform::Clipboard& clipboard_;
+    WindowlessEffect& effect_;
 };
 
-class Session final : private Bridge::Environment, private Quilt::ActionContext {
+class Session final : private Quilt::ActionContext {
 public:
-    explicit Session(const std::string& preferences)
-        : folder_(preferences), record_(folder_.file()),
-          effect_(host_, {record_, files_, Resources::find(Resources::Type::fxb, "factorybank").value()}),
-          strings_(stringTable()), bridge_(effect_, *this, strings_) {
-        effect_.resume();
-        while (const auto report = effect_.takeReport()) {
-            std::cerr << *report << '\n';
-        }
+    explicit Session(const std::string& preferences) : windowless_(preferences, say) {
+        windowless_.setContext(*this);
     }
 
     // The answer to a line.
@@ -135,9 +95,9 @@ public:
         }
         if (command == "clipboard") {
             if (rest.empty()) {
-                return Stackbrace::quote(clipboard_.text());
+                return Stackbrace::quote(windowless_.clipboard().text());
             }
-            clipboard_.setText(Stackbrace::unquote(rest));
+            windowless_.clipboard().setText(Stackbrace::unquote(rest));
             return "ok";
         }
         throw std::runtime_error("Unknown command: " + command);
@@ -149,11 +109,6 @@ private:
         const auto end = std::min(line.find_first_of(" \t", begin), line.size());
         const auto rest = std::min(line.find_first_not_of(" \t", end), line.size());
         return {line.substr(begin, end - begin), line.substr(rest)};
-    }
-
-    static Quilt::StringTable stringTable() {
-        const auto text = Resources::find(Resources::Type::strings, "MURMELON_STRINGS");
-        return text ? Quilt::StringTable::read(std::string(*text), "MURMELON_STRINGS") : Quilt::StringTable();
     }
 
     std::string required(const std::string& name) const {
@@ -213,17 +168,6 @@ private:
         bridge_.idle();
     }
 
-    // Bridge::Environment
-    void chooseFile(const Bridge::FileQuestion&, Chosen chosen) override {
-        if (const std::string path = desktop_.answer("dialogAnswer"); !path.empty()) {
-            chosen(Model::pathFromUtf8(path));
-        }
-    }
-    std::string clipboardText() override { return clipboard_.text(); }
-    void setClipboardText(const std::string& text) override { clipboard_.setText(text); }
-    void tellUser(const std::string& message) override { std::cerr << message << '\n'; }
-    void reloadEditor() override {}
-
     // Quilt::ActionContext
     std::optional<std::string> get(std::string_view name) const override { return bridge_.get(name); }
     void set(std::string_view name, std::string_view value) override {
@@ -235,22 +179,17 @@ private:
         return Quilt::expandMetaText(text, {[this](const std::string& name) { return required(name); },
                                             [this](const std::string& source) { return translate(source); }});
     }
-    std::string translate(std::string_view text) const override { return strings_.translate(text); }
+    std::string translate(std::string_view text) const override { return windowless_.strings().translate(text); }
     void perform(std::string_view action, std::string_view params) override {
         bridge_.perform(action, params, *this);
     }
     Quilt::Desktop& desktop() override { return desktop_; }
     std::optional<Quilt::Rectangle> anchor() const override { return std::nullopt; }
 
-    PreferencesFolder folder_;
-    Platform::SharedFile record_;
-    Model::DiskFiles files_;
-    PrintingHost host_;
-    Shell::EffectInstance effect_;
-    Quilt::StringTable strings_;
-    Platform::MemoryClipboard clipboard_;
-    AnsweringDesktop desktop_{effect_, clipboard_};
-    Bridge::EditorBridge bridge_;
+    WindowlessEffect windowless_;
+    Bridge::EditorBridge& bridge_ = windowless_.bridge();
+    Shell::EffectInstance& effect_ = windowless_.effect();
+    AnsweringDesktop desktop_{windowless_};
     double phase_ = 0; // of the sine, in turns
 };
 

@@ -2,10 +2,14 @@
 // "error: MESSAGE". 2: wrong usage.
 #include "tool/Commands.h"
 
+#include "platform/ThisProgram.h"
+
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -36,7 +40,9 @@ int run(int argc, char** argv) {
     Tool::addImageScriptCommand(program);
 
     try {
-        program.parse(argc, argv);
+        auto arguments = Platform::argumentsOfThisProgram(argc, argv);
+        std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the end
+        program.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? 0 : kWrongUsage;
     }
@@ -47,6 +53,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
+        Platform::keepStandardStreamsUnchanged();
         const int status = run(argc, argv);
         std::cout.flush();
         return status;

@@ -1,19 +1,17 @@
 #include "tool/Commands.h"
 
 #include "bridge/EditorBridge.h"
+#include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
-#include "instance/EffectInstance.h"
-#include "metatext/StringTable.h"
-#include "platform/SharedFile.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
-#include "resources/Resources.h"
+#include "resources/Lookup.h"
 #include "tool/LayoutFiles.h"
-#include "tool/PreferencesFolder.h"
 #include "tool/SilentDesktop.h"
 #include "tool/SurfaceFile.h"
+#include "tool/WindowlessEffect.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
@@ -115,7 +113,7 @@ void load(const LoadOptions& options) {
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
     Images::ImageLibrary images;
-    Quilt::Editor editor({documents, views, desktop, desktop, clock, images});
+    Quilt::Editor editor({documents, views, images, desktop, desktop, clock});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
@@ -135,31 +133,6 @@ private:
     std::chrono::milliseconds now_{1};
 };
 
-// The bridge's questions to the desktop: nobody is there.
-class NobodyThere final : public Bridge::Environment {
-public:
-    void chooseFile(const Bridge::FileQuestion&, Chosen) override {}
-    std::string clipboardText() override { return {}; }
-    void setClipboardText(const std::string&) override {}
-    void tellUser(const std::string& message) override { std::cerr << message << '\n'; }
-    void perform(std::string_view, std::string_view) override {}
-    void reloadEditor() override {}
-};
-
-class UnknownHost final : public Shell::Host {
-public:
-    const Shell::HostIdentity& identity() const override { return identity_; }
-    void automate(int, float) override {}
-    void beginEdit(int) override {}
-    void endEdit(int) override {}
-    void updateDisplay() override {}
-    bool sizeWindow(int, int) override { return true; }
-    Shell::HostTransport transport() noexcept override { return {}; }
-
-private:
-    Shell::HostIdentity identity_{"Korvanta", "murmelon", 0, true};
-};
-
 struct SnapshotOptions {
     std::string document;
     std::string output;
@@ -168,30 +141,18 @@ struct SnapshotOptions {
     std::string resources;
 };
 
-Quilt::StringTable stringTable(const Resources::Lookup& resources) {
-    constexpr const char* kName = "MURMELON_STRINGS";
-    auto text = resources.find(Resources::Type::strings, kName);
-    return text ? Quilt::StringTable::read(*std::move(text), kName) : Quilt::StringTable();
-}
-
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
     const Resources::Lookup resources = options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
     const LayoutFiles documents(options.document, resources);
-    const PreferencesFolder folder;
-    Platform::SharedFile record(folder.file());
-    Model::DiskFiles files;
-    UnknownHost host;
-    Shell::EffectInstance effect(host, {record, files, Resources::find(Resources::Type::fxb, "factorybank").value()});
-    const auto strings = stringTable(resources);
-    NobodyThere nobody;
-    Bridge::EditorBridge bridge(effect, nobody, strings);
+    WindowlessEffect effect({}, [](const std::string&) {});
 
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
-    const auto views = Quilt::standardViews();
+    auto views = Quilt::standardViews();
+    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
     LeapingClock clock;
     SilentDesktop desktop;
-    Quilt::Editor editor({documents, views, desktop, desktop, clock, images, &bridge, &bridge});
+    Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     // Before, for what loading depends on; and after, for what the document sets to begin with.
     setVariables(editor.variables(), options.variables);

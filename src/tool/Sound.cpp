@@ -40,17 +40,26 @@ struct Bytes {
         position += count;
         return count;
     }
+
+    sf_count_t write(const void* from, sf_count_t count) {
+        const auto start = static_cast<std::size_t>(position);
+        const auto length = static_cast<std::size_t>(count);
+        contents.resize(std::max(contents.size(), start + length));
+        std::memcpy(contents.data() + start, from, length);
+        position += count;
+        return count;
+    }
 };
 
 Bytes& bytes(void* user) {
     return *static_cast<Bytes*>(user);
 }
 
-SF_VIRTUAL_IO kReading = {
+SF_VIRTUAL_IO kInMemory = {
     [](void* user) { return bytes(user).size(); },
     [](sf_count_t offset, int whence, void* user) { return bytes(user).seek(offset, whence); },
     [](void* to, sf_count_t count, void* user) { return bytes(user).read(to, count); },
-    nullptr,
+    [](const void* from, sf_count_t count, void* user) { return bytes(user).write(from, count); },
     [](void* user) { return bytes(user).position; },
 };
 
@@ -78,7 +87,7 @@ std::vector<float> readAll(SNDFILE* file, int channels) {
 Sound readSound(const std::string& name) {
     Bytes source{readTextFile(name)};
     SF_INFO info{};
-    const File file(sf_open_virtual(&kReading, SFM_READ, &info, &source));
+    const File file(sf_open_virtual(&kInMemory, SFM_READ, &info, &source));
     if (!file) {
         fail("read", name, sf_strerror(nullptr));
     }
@@ -123,22 +132,22 @@ void writeSound(const std::filesystem::path& path, const Sound& sound) {
         pairs[2 * i] = sound.channels[0][i];
         pairs[2 * i + 1] = sound.channels[1][i];
     }
-    Platform::atomicFileWrite(path, [&](const std::filesystem::path& temporary) {
-        File file(sf_open(temporary.string().c_str(), SFM_WRITE, &info));
-        if (!file) {
-            fail("write", path.string(), sf_strerror(nullptr));
-        }
-        sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-        // Peak chunks carry the time of writing: the same sound shall give the same bytes.
-        sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
-        const auto frames = static_cast<sf_count_t>(sound.length());
-        if (sf_writef_float(file.get(), pairs.data(), frames) != frames) {
-            fail("write", path.string(), sf_strerror(file.get()));
-        }
-        if (const int error = sf_close(file.release())) {
-            fail("write", path.string(), sf_error_number(error));
-        }
-    });
+    Bytes target;
+    File file(sf_open_virtual(&kInMemory, SFM_WRITE, &info, &target));
+    if (!file) {
+        fail("write", path.string(), sf_strerror(nullptr));
+    }
+    sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    // Peak chunks carry the time of writing: the same sound shall give the same bytes.
+    sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+    const auto frames = static_cast<sf_count_t>(sound.length());
+    if (sf_writef_float(file.get(), pairs.data(), frames) != frames) {
+        fail("write", path.string(), sf_strerror(file.get()));
+    }
+    if (const int error = sf_close(file.release())) {
+        fail("write", path.string(), sf_error_number(error));
+    }
+    Platform::atomicFileWrite(path, target.contents);
 }
 
 } // namespace Tool

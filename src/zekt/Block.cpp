@@ -132,6 +132,7 @@ std::shared_ptr<Block> Block::owning(std::string_view source) {
 void Block::parse(Variables& variables) {
     parsed = true;
     std::size_t at = 0;
+    std::size_t beginning = text.size(); // of the statement whose end is sought
     try {
         // The first statement beyond the limit is as far as a run can get.
         while (statements.size() <= kStatementLimit) {
@@ -143,9 +144,9 @@ void Block::parse(Variables& variables) {
                 ++at;
                 continue;
             }
-            faultText = firstLine(text.substr(at));
+            beginning = at;
             const std::size_t end = statementEnd(text, at);
-            faultText = {};
+            beginning = text.size();
             Statement& statement = statements.emplace_back();
             statement.text = Lexical::trimmed(text.substr(at, end - at));
             try {
@@ -157,6 +158,7 @@ void Block::parse(Variables& variables) {
         }
     } catch (const SyntaxException& error) {
         fault.emplace(error);
+        faultText = firstLine(text.substr(beginning));
     }
 }
 

@@ -26,6 +26,9 @@ TEST(Limit, ofStatements) {
     EXPECT_EQ(run(repeated("a=1\n", ZEKT::kStatementLimit - 1) + "trace x"), "x\n");
     EXPECT_EQ(run(repeated("a=1\n", ZEKT::kStatementLimit) + "trace x"),
               "RunTimeException: Statements limit reached [trace x]");
+    // All in one line: what a statement costs does not grow with what stands behind it.
+    EXPECT_EQ(run(repeated("a=1;", ZEKT::kStatementLimit) + "trace x"),
+              "RunTimeException: Statements limit reached [trace x]");
     const std::string endless = "RunTimeException: Statements limit reached ";
     EXPECT_EQ(run("for i from:1 to:2 step:0 []"), endless + "[for i from:1 to:2 step:0 []]");
     EXPECT_EQ(run("repeat 1e15 [ // nothing\n ]"), endless + "[repeat 1e15 [ // nothing\n ]]");

@@ -20,6 +20,9 @@ namespace {
 
 constexpr std::string_view kFramesKey = "PixelStrip.Frames";
 
+// 128 megabytes; a film of 271 frames of 256 x 256 pixels has half of it.
+constexpr std::int64_t kMostPixels = std::int64_t{1} << 25;
+
 // Text entries and the like; pictures are bounded by their size.
 constexpr png_alloc_size_t kLargestChunk = 8U << 20;
 constexpr png_uint_32 kMostChunks = 256;
@@ -97,7 +100,7 @@ private:
         png_read_info(png_, info_);
         width_ = png_get_image_width(png_, info_);
         height_ = png_get_image_height(png_, info_);
-        if (std::int64_t{width_} * height_ > Drawing::kMaxSurfacePixels) {
+        if (std::int64_t{width_} * height_ > kMostPixels) {
             png_error(png_, "Image is too large");
         }
         if (!dataCanHold(static_cast<png_uint_32>(png_get_rowbytes(png_, info_)))) {

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 namespace Platform {
 
 std::filesystem::path pathOfThisProgram() {
@@ -11,5 +13,11 @@ std::filesystem::path pathOfThisProgram() {
 bool standardErrorIsTerminal() {
     return isatty(STDERR_FILENO) != 0;
 }
+
+std::vector<std::string> argumentsOfThisProgram(int argc, char** argv) {
+    return {argv + std::min(argc, 1), argv + argc};
+}
+
+void keepStandardStreamsUnchanged() {} // they are so
 
 } // namespace Platform

@@ -307,7 +307,7 @@ void Expansion::conditional(Frame& frame) {
             taken = {branch, static_cast<std::size_t>(marker.begin - branch)};
             decided = true;
         }
-        if (marker.kind == Reader::Marker::end) {
+        if (marker.kind == Reader::Marker::endif) {
             break;
         }
         if (marker.kind == Reader::Marker::otherwise) {

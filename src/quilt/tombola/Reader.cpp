@@ -221,7 +221,7 @@ Reader::Marker Reader::nextMarker() {
         if (word == "if") {
             ++open;
         } else if (word == "endif" && --open == 0) {
-            return {Marker::end, sign};
+            return {Marker::endif, sign};
         } else if (open == 1 && word == "elif") {
             return {Marker::elif, sign};
         } else if (open == 1 && word == "else") {

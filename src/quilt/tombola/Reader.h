@@ -63,7 +63,7 @@ public:
 
     // The next marker of the conditional that has begun, stepped over; the branch before it ends at `begin`.
     struct Marker {
-        enum Kind { elif, otherwise, end } kind;
+        enum Kind { elif, otherwise, endif } kind;
         const char* begin;
     };
     Marker nextMarker();

@@ -1,14 +1,14 @@
 #include "quilt/views/Label.h"
 
 #include "quilt/Document.h"
-#include "quilt/drawing/Characters.h"
+#include "quilt/Unicode.h"
 
 #include <cmath>
 
 namespace Quilt {
 
 Label::Label(const ViewSetup& setup, std::string fallbackFont)
-    : source_(setup.properties.string("text")), text_(charactersOf(source_.value())),
+    : source_(setup.properties.string("text")), text_(toUtf16(source_.value())),
       font_(setup.properties, "font", std::move(fallbackFont)), plainFont_(font_), colour_(setup.properties, "color") {
     if (setup.properties.knows("align")) {
         align_ = setup.properties.align("align");
@@ -23,12 +23,12 @@ bool Label::refresh(Document& document) {
     if (!source_.refresh(document)) {
         return false;
     }
-    text_ = charactersOf(source_.value());
+    text_ = toUtf16(source_.value());
     return true;
 }
 
 void Label::setText(std::string_view text) {
-    text_ = charactersOf(text);
+    text_ = toUtf16(text);
 }
 
 void Label::load(Document& document) {

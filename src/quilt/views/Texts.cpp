@@ -1,6 +1,6 @@
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
-#include "quilt/drawing/Characters.h"
+#include "quilt/Unicode.h"
 #include "quilt/drawing/Painting.h"
 #include "quilt/views/Label.h"
 #include "quilt/views/Rows.h"

@@ -132,7 +132,10 @@ void AudioPath::sortIn(const Engine::MidiEvent& event) noexcept {
 
 void AudioPath::apply(const Model::MidiRoute& route) noexcept {
     if (route.parameter >= 0) {
-        programs_.currentPatch().setValue(route.parameter, route.value);
+        const ControllerRange& range = controllerRanges_[static_cast<std::size_t>(route.parameter)];
+        const float from = range.from.load(std::memory_order_relaxed);
+        const float to = range.to.load(std::memory_order_relaxed);
+        programs_.currentPatch().setValue(route.parameter, from + (to - from) * route.value);
         moved_.fetch_or(1u << route.parameter, std::memory_order_release);
     }
     if (route.program >= 0) {
@@ -198,6 +201,12 @@ Engine::Block AudioPath::blockAt(int position) const noexcept {
                           .masterTuningHz = mapping_.masterTuning()};
     block.bypassed = bypassed();
     return block;
+}
+
+void AudioPath::setControllerRange(int parameter, float from, float to) noexcept {
+    ControllerRange& range = controllerRanges_[static_cast<std::size_t>(parameter)];
+    range.from.store(from, std::memory_order_relaxed);
+    range.to.store(to, std::memory_order_relaxed);
 }
 
 void AudioPath::setLearning(bool on) noexcept {

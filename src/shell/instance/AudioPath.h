@@ -63,6 +63,10 @@ public:
     std::uint32_t takeMovedParameters() noexcept { return moved_.exchange(0, std::memory_order_acquire); }
     bool takeProgramSwitch() noexcept { return switched_.exchange(false, std::memory_order_acquire); }
 
+    // [main] The values of a parameter at the two ends of the controller that moves it: 0 and 1 unless told
+    // otherwise.
+    void setControllerRange(int parameter, float from, float to) noexcept;
+
     // [main] While on, the first controller or key that is heard waits to be taken, then the next.
     void setLearning(bool on) noexcept;
     std::optional<LearnedMidi> takeLearned() noexcept;
@@ -87,6 +91,11 @@ private:
     std::atomic<bool> bypassed_{false};
     std::atomic<std::uint32_t> moved_{0};
     std::atomic<bool> switched_{false};
+    struct ControllerRange {
+        std::atomic<float> from{0};
+        std::atomic<float> to{1};
+    };
+    std::array<ControllerRange, Parameters::kCount> controllerRanges_;
     std::atomic<bool> learning_{false};
     std::atomic<int> learned_; // packed; see the source
     MidiQueue received_;

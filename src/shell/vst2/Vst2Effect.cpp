@@ -1,8 +1,7 @@
 #include "vst2/Vst2Effect.h"
 
 #include "platform/MemoryRecord.h"
-#include "platform/SharedFile.h"
-#include "platform/UserFolders.h"
+#include "platform/UserRecord.h"
 
 #include <algorithm>
 #include <exception>
@@ -64,7 +63,7 @@ void processReplacing(AEffect* record, float** in, float** out, VstInt32 samples
 // A user without a home still has an effect.
 std::unique_ptr<Platform::SharedRecord> openPreferences() {
     try {
-        return std::make_unique<Platform::SharedFile>(Platform::settingsFolder() / "preferences");
+        return Platform::openUserRecord("preferences");
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {
