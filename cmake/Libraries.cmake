@@ -3,16 +3,20 @@
 
 find_package(Threads REQUIRED)
 
-function(murmelon_static_library target archive)
-  find_library(${target}_ARCHIVE ${archive} REQUIRED)
+function(murmelon_library target file)
+  find_library(${target}_FILE ${file} REQUIRED)
   add_library(${target} INTERFACE)
-  target_link_libraries(${target} INTERFACE ${${target}_ARCHIVE})
+  target_link_libraries(${target} INTERFACE ${${target}_FILE})
 endfunction()
 
 # The symbols of a static library stay inside: the host may carry its own copy with its own planner.
-murmelon_static_library(murmelon_fftw libfftw3f.a)
-murmelon_static_library(murmelon_zlib libz.a)
-murmelon_static_library(murmelon_png libpng.a)
+murmelon_library(murmelon_fftw libfftw3f.a)
+murmelon_library(murmelon_zlib libz.a)
+if(WIN32)
+  murmelon_library(murmelon_png libpng.a)
+else()
+  murmelon_library(murmelon_png libpng16.so) # Debian's archive is not position-independent
+endif()
 target_link_libraries(murmelon_png INTERFACE murmelon_zlib m)
 
 add_library(murmelon_fmt INTERFACE)
@@ -29,7 +33,7 @@ if(WIN32)
   # is no FreeType among them: the font converter is for whoever makes the resources.
   find_path(WINDOWS_INCLUDE_DIR fftw3.h REQUIRED)
   include_directories(SYSTEM ${WINDOWS_INCLUDE_DIR})
-  murmelon_static_library(murmelon_sndfile libsndfile.a)
+  murmelon_library(murmelon_sndfile libsndfile.a)
   add_library(PkgConfig::sndfile ALIAS murmelon_sndfile)
 else()
   find_package(PkgConfig REQUIRED)

@@ -40,6 +40,11 @@ WhenEqual readWhenEqual(const std::string& text, std::string_view params) {
     refuse(params);
 }
 
+// Hosts set the sample rate anywhere within its steps: what sounds the same is the same.
+bool sameSetting(int id, float a, float b) {
+    return id == Parameters::sampleRate ? Parameters::sampleRateStep(a) == Parameters::sampleRateStep(b) : a == b;
+}
+
 // The one entry that says what to do.
 struct Instruction {
     std::string_view key;
@@ -90,7 +95,7 @@ ParameterChange changed(int id, const Instruction& instruction, float present, s
     const float number = byVariable ? variableNumber(instruction.value.string(), context)
                                     : readNumber(instruction.value, params);
     change.value = Parameters::clampNormalised(instruction.key.starts_with("to") ? number : present + number);
-    change.equal = change.value == present;
+    change.equal = sameSetting(id, change.value, present);
     return change;
 }
 

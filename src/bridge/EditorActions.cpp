@@ -4,6 +4,8 @@
 #include "bridge/ChangeParam.h"
 #include "bridge/NumberText.h"
 #include "bridge/SelfTest.h"
+#include "notation/Compound.h"
+#include "notation/Document.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -98,8 +100,10 @@ void EditorActions::toggleVersionCheck(const Call&) {
 }
 
 void EditorActions::unitTest(const Call& call) {
-    const auto count = call.params.empty() ? std::optional(kSelfTests) : wholeNumberOf(call.params);
-    if (!count || *count < 0) {
+    const Stackbrace::Document document{std::string(call.params)};
+    const auto params = document.root().list();
+    const auto count = params.size() == 0 ? std::optional(kSelfTests) : wholeNumberOf(params[0].text());
+    if (params.size() > 1 || !count || *count < 0) {
         throw std::runtime_error("Invalid action params for unitTest: " + std::string(call.params));
     }
     selfTest(*count);

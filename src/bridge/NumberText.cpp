@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace Bridge {
 
@@ -34,7 +35,26 @@ std::optional<float> numberOf(std::string_view text) {
 }
 
 std::optional<int> wholeNumberOf(std::string_view text) {
-    return wholeText<int>(text);
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    const bool negative = text.starts_with('-');
+    if (negative) {
+        text.remove_prefix(1);
+    }
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        text.remove_prefix(2);
+        base = 16;
+    } else if (text.starts_with('0')) {
+        base = 8;
+    }
+    unsigned number = 0; // no second sign
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    if (error != std::errc() || end != text.data() + text.size() || number > std::numeric_limits<int>::max()) {
+        return std::nullopt;
+    }
+    return negative ? -static_cast<int>(number) : static_cast<int>(number);
 }
 
 } // namespace Bridge

@@ -21,7 +21,7 @@ constexpr int kLowestBaseNote = 1;
 constexpr int kHighestBaseNote = 127;
 
 int readInputChannel(const Stackbrace::Element& element) {
-    if (element.text() == kAnyChannelText) {
+    if (element.string() == kAnyChannelText) {
         return MidiConfig::kAnyChannel;
     }
     const int number = element.integer();

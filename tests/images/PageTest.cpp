@@ -54,8 +54,8 @@ protected:
         const auto write = [&](const std::string& name, const std::string& contents) {
             std::ofstream(folder_ / name, std::ios::binary) << contents;
         };
-        write("diode_X2.png", TestPictures::placedPng(16, 32));
-        write("knob_X2.png", TestPictures::placedPng(100, 20, {.texts = {{"PixelStrip.Frames", "5"}}}));
+        write("lamp_X2.png", TestPictures::placedPng(16, 32));
+        write("dial_X2.png", TestPictures::placedPng(100, 20, {.texts = {{"PixelStrip.Frames", "5"}}}));
         write("digits.png", TestPictures::placedPng(6, 110));
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }

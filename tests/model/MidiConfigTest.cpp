@@ -129,6 +129,7 @@ TEST(MidiConfigText, readsNumbersOnBothSidesOfTheirLimits) {
     };
     const Row rows[] = {
         {"inputChannel", "any", channel, -1},
+        {"inputChannel", "\"any\"", channel, -1},
         {"inputChannel", "1", channel, 0},
         {"inputChannel", "0", channel, 0, channelError},
         {"inputChannel", "17", channel, 0, channelError},

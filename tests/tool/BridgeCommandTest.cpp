@@ -80,6 +80,9 @@ TEST_F(BridgeCommandTest, ChangeParam) {
         {"enabled changeParam { param: pitch, to: 0.25, whenEqual: disabled }", "false"},
         {"checked changeParam { param: pitch, to: 0.25, whenEqual: disabled }", "false"},
         {"checked changeParam { param: pitch, to: 0.25, whenEqual: \"\" }", "false"},
+        {"set params.sampleRate 0.3", "host: automate 7 0.3\nok"},
+        {"checked changeParam { param: sampleRate, to: 0.3333333 }", "true"},
+        {"checked changeParam { param: sampleRate, to: 0 }", "false"},
         {"set instance.aim 0.125", "ok"},
         {"do changeParam { param: pitch, toVariable: instance.aim }", "host: automate 0 0.125\nok"},
         {"do changeParam { param: pitch, byVariable: instance.aim }", "host: automate 0 0.25\nok"},
@@ -218,6 +221,10 @@ TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
         {"get midiLearnCC", "\"33\""},
         {"do midiAssign { variable: params.mix, unassign: true }", "ok"},
         {"get midiConfig.assignedCount", "\"1\""},
+        {"do sendMidi { message: { 0xB1, 20, 0x7f } }", "ok"},
+        {"set params.pitch 0", "host: automate 0 0\nok"},
+        {"process 512", "host: automate 0 1\nok"},
+        {"do sendMidi { message: { 0x100 } }", "error: Invalid sendMidi byte array: { 0x100 }"},
         {"do sendMidi { message: { 300 } }", "error: Invalid sendMidi byte array: { 300 }"},
         {"do sendMidi { message: loud }", "error: Invalid sendMidi byte array: loud"},
         {"set instance.dialogAnswer my.kvmc", "ok"},
@@ -300,6 +307,8 @@ TEST_F(BridgeCommandTest, IdentityChangesWithProgramAndContentsOnly) {
 
 TEST_F(BridgeCommandTest, TestsItself) {
     expectDialogue({{"do unitTest 2000", "ok"},
+                    {"do unitTest { 10 }", "ok"},
+                    {"do unitTest { 10, 20 }", "error: Invalid action params for unitTest: { 10, 20 }"},
                     {"do unitTest many", "error: Invalid action params for unitTest: many"}});
 }
 
