@@ -21,8 +21,12 @@ public:
         return current->progress(frame, statementsLeft);
     }
     void trace(std::string_view line) override { current->trace(line); }
+    std::optional<std::string> outerVariable(std::string_view name) override {
+        return *outer ? (*outer)(name) : std::nullopt;
+    }
 
     DrawingExecutor* current = nullptr;
+    const std::function<std::optional<std::string>(std::string_view)>* outer = nullptr;
 };
 
 } // namespace
@@ -33,6 +37,7 @@ struct Document::State {
     void run(Picture& picture) {
         DrawingExecutor executor(picture, {});
         host.current = &executor;
+        host.outer = &picture.run().environment().outerVariable;
         interpreter.forgetVariables();
         for (const auto& [name, value] : picture.run().environment().variables) {
             interpreter.globals().set(name, value);

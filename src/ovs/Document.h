@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,6 +23,7 @@ namespace OVS {
 struct Environment {
     double scale = 1.0; // pixels a user unit
     std::vector<std::pair<std::string, std::string>> variables = {}; // set before the document runs
+    std::function<std::optional<std::string>(std::string_view name)> outerVariable = {}; // for names that it has not
     FontSource* fonts = nullptr;                                     // none: there are no fonts
     std::function<void(std::string_view line)> trace = {};
     std::function<bool()> progress = {}; // asked once a statement; false: "Aborted"

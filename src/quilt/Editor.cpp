@@ -1,7 +1,9 @@
 #include "quilt/Editor.h"
 
+#include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Properties.h"
+#include "quilt/TextField.h"
 #include "quilt/View.h"
 
 #include <algorithm>
@@ -25,7 +27,8 @@ void inTree(View& view, const Call& call) {
 
 Editor::Editor(const Services& services)
     : services_(services), variables_(services.variables),
-      errors_([this](const std::string& line) { services_.host.log(line); }) {
+      errors_([this](const std::string& line) { services_.host.log(line); }), fonts_(services.images),
+      interaction_(*this) {
     variables_.onWritten([this](std::string_view name) {
         // Even to the value that it has: caches are emptied that way, too.
         if (name == "uiScale") {
@@ -65,11 +68,17 @@ void Editor::open(const std::string& name, const Rectangle& area, bool reload) {
 void Editor::load(bool reload) {
     reloadRequested_ = false;
     reloading_ = reload;
+    interaction_.cancel();
+    fonts_.clear();
+    services_.images.clear();
     document_->load(area_, reload);
     if (auto root = document_->takeRoot()) {
         root_ = std::move(root);
+        // The surface is as large as the document, wherever that stands in its area.
+        root_->bounds_ = root_->area();
         services_.host.resized(root_->bounds().width, root_->bounds().height);
         invalidate(root_->bounds());
+        placeField();
     }
     requestUpdate();
 }
@@ -78,6 +87,9 @@ void Editor::close() {
     if (document_ == nullptr) {
         return;
     }
+    interaction_.cancel();
+    textEdit_.reset();
+    field_.reset();
     // Nested ones first: they may want to leave something to those around them.
     const auto open = documents_;
     for (auto document = open.rbegin(); document != open.rend(); ++document) {
@@ -106,7 +118,7 @@ Variables::Failed Editor::failedWrite() {
 }
 
 void Editor::settle() {
-    if (settling_ || document_ == nullptr) {
+    if (settling_ || handling_ > 0 || document_ == nullptr) {
         return;
     }
     settling_ = true;
@@ -136,6 +148,7 @@ void Editor::update() {
     variables_.endUpdate(failedWrite());
     inTree(*root_, [](View& view) { view.settled(); });
     inAllDocuments([](Document& document) { document.runWatchers(); });
+    interaction_.refresh();
 }
 
 void Editor::tick() {
@@ -194,16 +207,6 @@ void Editor::show(const ErrorQueue::Error& error) {
                                           errorShown_ = false; // the next one comes with the next tick
                                       }
                                   });
-}
-
-void Editor::editText(TextEdit edit) {
-    textEdit_ = std::move(edit);
-}
-
-void Editor::endTextEdit(std::optional<std::string> typed) {
-    if (const auto edit = std::exchange(textEdit_, std::nullopt); edit && typed) {
-        edit->typed(*std::move(typed));
-    }
 }
 
 void Editor::invalidate(const Rectangle& part) {

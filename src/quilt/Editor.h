@@ -3,9 +3,11 @@
 //
 //   Editor editor(services);
 //   editor.open("MURMELON_MAIN", {0, 0, 470, 320});
-//   ... editor.tick() some 30 times a second, input as it comes ...
+//   ... editor.tick() some 30 times a second, input as it comes, editor.draw() for what the host was told to be out
+//   of date ...
 #pragma once
 
+#include "drawing/Surface.h"
 #include "quilt/ActionHandler.h"
 #include "quilt/Clock.h"
 #include "quilt/Desktop.h"
@@ -13,10 +15,13 @@
 #include "quilt/EditorHost.h"
 #include "quilt/ErrorQueue.h"
 #include "quilt/Geometry.h"
+#include "quilt/Input.h"
+#include "quilt/Interaction.h"
 #include "quilt/Scale.h"
 #include "quilt/TextEdit.h"
 #include "quilt/VariableProvider.h"
 #include "quilt/Variables.h"
+#include "quilt/drawing/FontCache.h"
 
 #include <memory>
 #include <string>
@@ -25,6 +30,7 @@
 namespace Quilt {
 
 class Document;
+class TextField;
 class View;
 class ViewFactory;
 
@@ -37,6 +43,7 @@ public:
         Desktop& desktop;
         EditorHost& host;
         const Clock& clock;
+        Images::ImageLibrary& images;
         VariableProvider* variables = nullptr;
         ActionHandler* actions = nullptr;
     };
@@ -66,6 +73,27 @@ public:
     // Lets time go on: timers, changed variables, moving views, waiting errors.
     void tick();
 
+    // Draws `part` of the surface, which is opaque then; nothing else of it is touched.
+    void draw(const Drawing::SurfaceView& surface, const Rectangle& part);
+
+    // Input, in the surface's pixels. Two presses of a double click come as one with `clicks` 1 and one with 2.
+    void mousePressed(const MouseEvent& event);
+    void mouseReleased(const MouseEvent& event);
+    void mouseMoved(const MouseEvent& event);
+    void mouseLeft();
+    void captureLost(); // somebody else has the mouse: what it held is let go as if nothing had been done
+
+    // False: nobody here has a use for it, and the window's host may have one.
+    bool wheel(const WheelEvent& event);
+    bool key(const KeyEvent& event);
+
+    const Interaction& interaction() const { return interaction_; }
+    Interaction& interaction() { return interaction_; }
+    FontCache& fonts() { return fonts_; }
+
+    // Whether the letters of a TextEdit are being typed.
+    const TextField* textField() const { return field_.get(); }
+
     Document* document() const { return document_.get(); }
     View* root() const { return root_.get(); }
     Variables& variables() { return variables_; }
@@ -82,13 +110,17 @@ public:
 
     // Puts a field over the surface, in place of one that is there.
     void editText(TextEdit edit);
+    void typeInto(std::string_view text); // the field, in place of all that is there
     void endTextEdit(std::optional<std::string> typed);
     const TextEdit* textEdit() const { return textEdit_ ? &*textEdit_ : nullptr; }
 
 private:
     friend class Document; // enters and leaves itself
 
+    template <typename Event>
+    auto handle(const Event& event);
     void load(bool reload);
+    void placeField();
     void update();
     void showErrors();
     void show(const ErrorQueue::Error& error);
@@ -101,15 +133,20 @@ private:
     ErrorQueue errors_;
     std::string name_;
     Rectangle area_;
+    FontCache fonts_;
+    Interaction interaction_;
     std::vector<Document*> documents_; // all that are alive, parents before what is nested in them
     std::unique_ptr<Document> document_;
     std::unique_ptr<View> root_; // goes before its document
     std::optional<TextEdit> textEdit_;
+    std::unique_ptr<TextField> field_; // of textEdit_
+    bool fieldPressed_ = false;
     std::uint64_t seenChanges_ = 0;
     bool reloadRequested_ = false;
     bool updateRequested_ = false;
     bool reloading_ = false;
     bool settling_ = false;
+    int handling_ = 0; // events: views stay until they are done
     bool errorShown_ = false;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); // for answers that come when the editor may be gone
 };

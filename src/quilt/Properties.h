@@ -42,6 +42,8 @@ public:
     std::string_view type() const { return type_; }
     Stackbrace::Position position() const { return view_.position(); }
 
+    // Whether the type has such a row.
+    bool knows(std::string_view name) const { return findRow(name) != nullptr; }
     bool has(std::string_view name) const { return structure_.find(name) != nullptr; }
     Stackbrace::Element element(std::string_view name) const { return structure_[name]; }
 

@@ -2,6 +2,7 @@
 
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
+#include "quilt/drawing/Painting.h"
 
 #include <utility>
 
@@ -22,13 +23,31 @@ View::View(const ViewSetup& setup)
 View::View(Document& document, std::string_view type, const Rectangle& pixels)
     : document_(&document), type_(type), bounds_(pixels) {}
 
+View::~View() {
+    document_->editor().interaction().forget(*this);
+}
+
 void View::add(std::unique_ptr<View> child) {
     child->parent_ = this;
     children_.push_back(std::move(child));
 }
 
+void View::prepareTree() {
+    if (!visible_) {
+        return;
+    }
+    if (!std::exchange(prepared_, true)) {
+        prepare();
+    }
+    for (const auto& child : children_) {
+        child->prepareTree();
+    }
+}
+
 void View::drawTree(const DrawContext& context) const {
-    draw(context);
+    if (!clipOf(context, area()).isEmpty()) {
+        draw(context);
+    }
     for (const auto& child : children_) {
         if (child->visible()) {
             const Point at = child->bounds().origin();
@@ -50,13 +69,26 @@ View* View::find(Point at) {
     return area().contains(at) && hit(at) ? this : nullptr;
 }
 
-Cursor View::cursor(Point) const {
+const View* View::findHint(Point at) const {
+    if (!visible_) {
+        return nullptr;
+    }
+    for (auto child = children_.rbegin(); child != children_.rend(); ++child) {
+        const Point origin = (*child)->bounds().origin();
+        if (const View* const found = (*child)->findHint({at.x - origin.x, at.y - origin.y})) {
+            return found;
+        }
+    }
+    return area().contains(at) && (hit(at) || !hint().empty()) ? this : nullptr;
+}
+
+Cursor View::cursor(Point at) const {
     for (std::size_t i = 0; i < std::size(kCursors); ++i) {
         if (kCursors[i] == cursor_) {
             return static_cast<Cursor>(i);
         }
     }
-    return Cursor::arrow;
+    return ownCursor(at);
 }
 
 void View::refresh() {

@@ -3,7 +3,7 @@
 //
 // A view belongs to one document and lives until that is loaded anew or closed. Its bounds are pixels, relative
 // to its parent's top left. What it is made of it reads from its properties in its constructor; what it shows
-// of variables it reads in refresh(). Drawing changes nothing.
+// of variables it reads in refresh(). Drawing changes nothing that anybody could see.
 #pragma once
 
 #include "quilt/Geometry.h"
@@ -38,7 +38,7 @@ public:
     View(Document& document, std::string_view type, const Rectangle& pixels); // with no properties
     View(const View&) = delete;
     View& operator=(const View&) = delete;
-    virtual ~View() = default;
+    virtual ~View();
 
     std::string_view type() const { return type_; }
     Document& document() const { return *document_; }
@@ -51,6 +51,10 @@ public:
     // Hidden views, and all within them, are neither drawn nor hit.
     bool visible() const { return visible_; }
     void show(bool visible); // for views with no property of that name
+
+    // Called once, before the view is drawn for the first time: images and fonts are had then.
+    virtual void prepare() {}
+    void prepareTree();
 
     // The view itself, below its children.
     virtual void draw(const DrawContext& context) const { static_cast<void>(context); }
@@ -67,6 +71,12 @@ public:
 
     // The topmost view at `at` that wants the mouse; nullptr if none does.
     virtual View* find(Point at);
+
+    // The topmost view at `at` that wants the mouse or has a hint.
+    const View* findHint(Point at) const;
+
+    // Whether the mouse and the keys are for this view, and what is in it, alone.
+    virtual bool modal() const { return false; }
 
     // Points are relative to the view. A view that was pressed gets all moves until the release, wherever they
     // are, and then `released`; when the gesture is taken from it (escape, a reload), `cancelled` instead.
@@ -89,7 +99,11 @@ public:
 
     virtual bool focusable() const { return false; }
     virtual void focused(bool has) { static_cast<void>(has); }
-    virtual Cursor cursor(Point at) const;
+    Cursor cursor(Point at) const; // the layout's, else the view's own
+    virtual Cursor ownCursor(Point at) const {
+        static_cast<void>(at);
+        return Cursor::arrow;
+    }
     virtual std::string hint() const { return hint_.value(); }
 
     // Variables, or texts and actions that depend on some, may have changed: the view compares what it shows and
@@ -119,6 +133,8 @@ protected:
     virtual Rectangle affected(const Rectangle& part) const { return part; }
 
 private:
+    friend class Editor; // sets its root to 0, 0
+
     Document* document_;
     std::string_view type_;
     Rectangle bounds_;
@@ -128,6 +144,7 @@ private:
     LiveText hint_;
     std::string cursor_;
     bool visible_ = true;
+    bool prepared_ = false;
 };
 
 } // namespace Quilt

@@ -1,6 +1,5 @@
 #include "tool/LayoutFiles.h"
 
-#include "resources/Resources.h"
 #include "tool/TextFile.h"
 
 #include <filesystem>
@@ -11,8 +10,8 @@ std::string LayoutFiles::obtain(const std::string& name) const {
     if (name == file_ && (file_ == "-" || std::filesystem::exists(file_))) {
         return readTextFile(name);
     }
-    if (const auto resource = Resources::find(Resources::Type::quilt, name)) {
-        return std::string(*resource);
+    if (auto resource = resources_.find(Resources::Type::quilt, name)) {
+        return *std::move(resource);
     }
     return readTextFile((std::filesystem::path(file_).parent_path() / name).string());
 }

@@ -1,16 +1,23 @@
 #include "tool/Commands.h"
 
+#include "bridge/MidiAssignView.h"
+#include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
+#include "resources/Resources.h"
 #include "tool/LayoutFiles.h"
 #include "tool/SilentDesktop.h"
+#include "tool/SurfaceFile.h"
+#include "tool/WindowlessEffect.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -93,22 +100,85 @@ Quilt::Rectangle areaOf(const LoadOptions& options) {
     return {0, 0, std::stoi(options.area[0]), std::stoi(options.area[1])};
 }
 
+void failWithErrors(std::size_t count) {
+    if (count > 0) {
+        throw std::runtime_error(fmt::format("{} in the document", count == 1 ? "1 error" : fmt::format("{} errors", count)));
+    }
+}
+
+Quilt::ViewFactory allViews(WindowlessEffect& effect) {
+    Quilt::ViewFactory views = Quilt::standardViews();
+    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
+    return views;
+}
+
 void load(const LoadOptions& options) {
     const LayoutFiles documents(options.file);
-    const auto views = Quilt::standardViews();
+    WindowlessEffect effect({}, [](const std::string&) {});
+    const auto views = allViews(effect);
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
-    Quilt::Editor editor({documents, views, desktop, desktop, clock});
+    Images::ImageLibrary images;
+    Quilt::Editor editor(
+        {documents, views, desktop, desktop, clock, images, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
 
     const auto& errors = desktop.errors();
     fmt::print("{}\n", json(editor, errors).dump(2, ' ', false, Json::error_handler_t::replace));
-    if (!errors.empty()) {
-        throw std::runtime_error(fmt::format("{} in the document", errors.size() == 1 ? "1 error"
-                                                                  : fmt::format("{} errors", errors.size())));
+    failWithErrors(errors.size());
+}
+
+// Time that goes as far as it is told to.
+class LeapingClock final : public Quilt::Clock {
+public:
+    std::chrono::milliseconds now() const override { return now_; }
+    void leap(std::chrono::milliseconds by) { now_ += by; }
+
+private:
+    std::chrono::milliseconds now_{1};
+};
+
+struct SnapshotOptions {
+    std::string document;
+    std::string output;
+    std::string scale = "1/1";
+    std::vector<std::string> variables;
+    std::string resources;
+};
+
+// With an effect of its own behind it, as it comes out of the box.
+void snapshot(const SnapshotOptions& options) {
+    const Resources::Lookup resources = options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+    const LayoutFiles documents(options.document, resources);
+    WindowlessEffect effect({}, [](const std::string&) {});
+    Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
+    const auto views = allViews(effect);
+    LeapingClock clock;
+    SilentDesktop desktop;
+    Quilt::Editor editor({documents, views, desktop, desktop, clock, images, &effect.bridge(), &effect.bridge()});
+    editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
+    // Before, for what loading depends on; and after, for what the document sets to begin with.
+    setVariables(editor.variables(), options.variables);
+    editor.open(documents.name(), {0, 0, 470, 320});
+    setVariables(editor.variables(), options.variables);
+    editor.settle();
+
+    // When all that moves has come to rest.
+    constexpr int kTicks = 3;
+    Drawing::Surface surface(editor.root()->bounds().width, editor.root()->bounds().height);
+    for (int i = 0; i < kTicks; ++i) {
+        clock.leap(std::chrono::seconds(60));
+        editor.tick();
+        editor.draw(surface.view(), editor.root()->area());
     }
+    editor.tick();
+    writeSurface(options.output, surface.view());
+    for (const auto& error : desktop.errors()) {
+        std::cerr << error << '\n';
+    }
+    failWithErrors(desktop.errors().size());
 }
 
 } // namespace
@@ -130,8 +200,19 @@ void addQuiltCommand(CLI::App& program) {
     loading->add_flag("--reload", options->reload, "As when the document is loaded again");
     loading->callback([options] { load(*options); });
 
+    const auto picture = std::make_shared<SnapshotOptions>();
+    auto* const drawing = quilt->add_subcommand("snapshot", "Draws a layout document, with an effect behind it, as PNG");
+    drawing->add_option("DOCUMENT", picture->document, "The name of a resource, or a file")->required();
+    drawing->add_option("OUT", picture->output, "The picture")->required();
+    drawing->add_option("--scale", picture->scale, "Pixels a unit, as N/D")->capture_default_str();
+    drawing->add_option("--set", picture->variables, "NAME=VALUE: a variable's value")->expected(1)->take_all();
+    drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
+        ->check(CLI::ExistingDirectory);
+    drawing->callback([picture] { snapshot(*picture); });
+
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {
-        fmt::print("{}", Quilt::viewReference(Quilt::standardViews()));
+        WindowlessEffect effect({}, [](const std::string&) {});
+        fmt::print("{}", Quilt::viewReference(allViews(effect)));
     });
 }
 

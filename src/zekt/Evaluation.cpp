@@ -199,11 +199,20 @@ void Evaluation::carryOut(const Expression& expression) {
         case Operation::loadNamed: {
             const std::string_view name = text(*top);
             machine_.work(name.size());
-            const Symbol* const symbol = machine_.variables.known(name);
-            if (symbol == nullptr) {
+            Symbol* const symbol = machine_.variables.known(name);
+            Binding* const binding = symbol == nullptr ? nullptr : Variables::find(frame_, *symbol);
+            if (binding != nullptr) {
+                load(*top, *binding);
+                break;
+            }
+            // Kept here and not as a variable: a document can compute any number of names.
+            auto outer = machine_.outerVariable(name);
+            if (!outer) {
                 throw RunTimeException("Variable " + std::string(name) + " does not exist");
             }
-            load(*top, machine_.existing(frame_, *symbol));
+            machine_.work(outer->size());
+            top->buffer = *std::move(outer);
+            setText(*top, top->buffer);
             break;
         }
         case Operation::expand: {
@@ -341,7 +350,8 @@ void Evaluation::carryOut(const Expression& expression) {
             const std::string_view name = text(*top);
             machine_.work(name.size());
             const Symbol* const symbol = machine_.variables.known(name);
-            setBoolean(*top, symbol != nullptr && Variables::find(frame_, *symbol) != nullptr);
+            setBoolean(*top, (symbol != nullptr && Variables::find(frame_, *symbol) != nullptr) ||
+                                 machine_.outerVariable(name).has_value());
             break;
         }
         case Operation::raise:

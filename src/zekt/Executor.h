@@ -65,6 +65,13 @@ public:
         return true;
     }
 
+    // A variable of the host's, for names that no frame has; nullopt if there is none. Asked once a run for
+    // names that stand in the document, each time for computed ones. A document may hide it by one of its own.
+    virtual std::optional<std::string> outerVariable(std::string_view name) {
+        static_cast<void>(name);
+        return std::nullopt;
+    }
+
     // The text of an included file, nullopt if it cannot be read.
     virtual std::optional<std::string> loadInclude(const std::string& fileName) {
         static_cast<void>(fileName);

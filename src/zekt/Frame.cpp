@@ -43,7 +43,8 @@ std::string Frame::get(std::string_view name) {
 
 bool Frame::has(std::string_view name) const {
     const Symbol* const symbol = machine_.variables.known(name);
-    return symbol != nullptr && Variables::find(*this, *symbol) != nullptr;
+    return (symbol != nullptr && Variables::find(*this, *symbol) != nullptr) ||
+           machine_.outerVariable(name).has_value();
 }
 
 void Frame::set(std::string_view name, std::string_view text) {

@@ -187,8 +187,25 @@ void Machine::assign(Frame& frame, const Statement& statement) {
     }
 }
 
-Binding& Machine::existing(const Frame& frame, const Symbol& symbol) const {
-    Binding* const binding = Variables::find(frame, symbol);
+std::optional<std::string> Machine::outerVariable(std::string_view name) {
+    return globals_->executor_.outerVariable(name);
+}
+
+Binding* Machine::find(const Frame& frame, Symbol& symbol) {
+    if (Binding* const binding = Variables::find(frame, symbol)) {
+        return binding;
+    }
+    const auto outer = outerVariable(symbol.name);
+    if (!outer) {
+        return nullptr;
+    }
+    Binding& binding = variables.local(*globals_, symbol);
+    variables.setText(binding, *outer);
+    return &binding;
+}
+
+Binding& Machine::existing(const Frame& frame, Symbol& symbol) {
+    Binding* const binding = find(frame, symbol);
     if (binding == nullptr) {
         throw RunTimeException("Variable " + symbol.name + " does not exist");
     }

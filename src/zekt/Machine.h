@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -70,7 +71,10 @@ public:
     std::string expand(Frame& frame, std::string_view text);
     std::string evaluate(Frame& frame, std::string_view expression);
 
-    Binding& existing(const Frame& frame, const Symbol& symbol) const;
+    // The host's variables are asked for where no frame has the name.
+    Binding* find(const Frame& frame, Symbol& symbol);
+    Binding& existing(const Frame& frame, Symbol& symbol);
+    std::optional<std::string> outerVariable(std::string_view name);
 
     // "Text limit reached".
     void work(std::size_t amount) {

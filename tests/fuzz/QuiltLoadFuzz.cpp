@@ -1,5 +1,6 @@
 // Any text is a layout document: it is loaded, lives for a while, is loaded anew at another scale and closed. Names of
 // documents in it lead back to the text itself.
+#include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
@@ -65,7 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Documents documents;
     documents.text.assign(reinterpret_cast<const char*>(data), size);
     Surroundings surroundings;
-    Quilt::Editor editor({documents, views, surroundings, surroundings, surroundings});
+    Images::ImageLibrary images;
+    Quilt::Editor editor({documents, views, surroundings, surroundings, surroundings, images});
     editor.open("main", {0, 0, 470, 320});
     for (int i = 0; i < 3; ++i) {
         surroundings.time += std::chrono::milliseconds(100);

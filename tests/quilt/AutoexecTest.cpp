@@ -147,7 +147,7 @@ TEST(Errors, AreTranslatedAndTakenByTheHost) {
         }
     } host;
     Rig rig;
-    Quilt::Editor editor({rig.documents, rig.views, rig.desktop, host, rig.clock, &rig.provider, &rig.actions});
+    Quilt::Editor editor({rig.documents, rig.views, rig.desktop, host, rig.clock, rig.images, &rig.provider, &rig.actions});
     rig.documents.texts["t"] = "translations: { Quatsch: nonsense }";
     editor.open("t", {0, 0, 9, 9});
     const struct {
@@ -183,7 +183,7 @@ TEST(Errors, ThatCannotBeShownAreLogged) {
         }
     } desktop;
     Rig rig;
-    Quilt::Editor editor({rig.documents, rig.views, desktop, rig.host, rig.clock});
+    Quilt::Editor editor({rig.documents, rig.views, desktop, rig.host, rig.clock, rig.images});
     rig.documents.texts["t"] = "autoexecs: { { action: a }, { action: b } }";
     editor.open("t", {0, 0, 9, 9});
     EXPECT_THAT(rig.host.logged,

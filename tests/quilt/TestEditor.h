@@ -1,6 +1,7 @@
 // An editor with everything around it in the test's hands.
 #pragma once
 
+#include "images/ImageLibrary.h"
 #include "quilt/ActionHandler.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
@@ -143,7 +144,8 @@ struct Rig {
     HandClock clock;
     Provider provider;
     Actions actions;
-    Quilt::Editor editor{{documents, views, desktop, host, clock, &provider, &actions}};
+    Images::ImageLibrary images;
+    Quilt::Editor editor{{documents, views, desktop, host, clock, images, &provider, &actions}};
 
     void open(const std::string& text, bool reload = false) {
         documents.texts["main"] = text;

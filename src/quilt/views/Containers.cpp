@@ -1,8 +1,10 @@
 // Views that hold others: all at once, in cells, one page at a time.
 #include "notation/Compound.h"
 #include "quilt/Document.h"
+#include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewBuilder.h"
+#include "quilt/drawing/Layer.h"
 #include "quilt/views/Rows.h"
 #include "quilt/views/Views.h"
 
@@ -30,6 +32,75 @@ constexpr Property kTransformed[] = {
     {"scale", level, "100", "Percent, about the middle of the bounds."},
     {"opacity", level, "1", "0 to 1."},
     {"time", number, "0", "Seconds in which scale and opacity go over to new values.", "", 0, 60},
+};
+
+class Transformed : public Group {
+public:
+    explicit Transformed(const ViewSetup& setup)
+        : Group(setup), scale_(setup.properties.string("scale")), opacity_(setup.properties.string("opacity")),
+          time_(static_cast<std::int64_t>(setup.properties.number("time") * 1000)) {}
+
+    void refresh() override {
+        Group::refresh();
+        scale_.refresh(document());
+        opacity_.refresh(document());
+        constexpr double kLargest = 10;
+        const Transition::Look wanted{std::clamp(scale_.number(100) / 100, 0.0, kLargest),
+                                      std::clamp(opacity_.number(1), 0.0, 1.0)};
+        if (wanted.scale == to_.scale && wanted.opacity == to_.opacity && begun_) {
+            return;
+        }
+        from_ = begun_ ? look_ : wanted;
+        begun_ = true;
+        to_ = wanted;
+        start_ = document().editor().services().clock.now();
+        moving_ = true;
+        tick(start_);
+    }
+
+    bool ticking() const override { return moving_; }
+    void tick(std::chrono::milliseconds now) override {
+        const double part = time_.count() == 0 ? 1
+                                               : std::clamp(static_cast<double>((now - start_).count()) /
+                                                                static_cast<double>(time_.count()),
+                                                            0.0, 1.0);
+        invalidate();
+        look_ = {from_.scale + (to_.scale - from_.scale) * part, from_.opacity + (to_.opacity - from_.opacity) * part};
+        invalidate();
+        moving_ = part < 1;
+    }
+
+    void drawTree(const DrawContext& context) const override {
+        if (isPlain()) {
+            Group::drawTree(context);
+        } else if (look_.opacity > 0 && look_.scale > 0) {
+            layer_.take(*this, true);
+            layer_.draw(context, area(), look_);
+        }
+    }
+
+    // What cannot be seen cannot be hit.
+    View* find(Point at) override { return look_.opacity > 0 && look_.scale > 0 ? Group::find(at) : nullptr; }
+
+protected:
+    Rectangle affected(const Rectangle& part) const override {
+        layer_.invalidate();
+        return isPlain() ? part : seen(area(), look_);
+    }
+
+private:
+    bool isPlain() const { return look_.scale == 1 && look_.opacity == 1; }
+
+    LiveText scale_;
+    LiveText opacity_;
+    std::chrono::milliseconds time_;
+    Transition::Look from_;
+    Transition::Look to_;
+    Transition::Look look_;
+    std::chrono::milliseconds start_{0};
+    bool begun_ = false;
+    bool moving_ = false;
+    mutable Layer layer_; // what it holds, as long as that does not change
 };
 
 constexpr Property kCluster[] = {
@@ -119,7 +190,7 @@ ViewType groupType() {
 
 ViewType transformedType() {
     return {"transformed", "Holds views and draws them smaller, larger or fainter, as variables say.",
-            {kViews, kTransformed}, make<Group>};
+            {kViews, kTransformed}, make<Transformed>};
 }
 
 ViewType clusterType() {

@@ -3,6 +3,8 @@
 #include "bridge/EditorVariables.h"
 #include "bridge/MidiAssignView.h"
 #include "instance/EffectInstance.h"
+#include "quilt/Document.h"
+#include "quilt/Unicode.h"
 #include "resources/Resources.h"
 
 #include <algorithm>
@@ -143,7 +145,7 @@ EditorSize EditorSession::size() const {
 void EditorSession::begin(std::unique_ptr<Platform::Window> window) {
     window_ = std::move(window);
     desktop_.setWindow(window_.get());
-    editor_.emplace(Quilt::Editor::Services{documents_, views_, images_, desktop_, *this, clock_, &bridge_, &bridge_});
+    editor_.emplace(Quilt::Editor::Services{documents_, views_, desktop_, *this, clock_, images_, &bridge_, &bridge_});
     editor_->open(kMainLayout, {0, 0, Bridge::kEditorWidth, Bridge::kEditorHeight});
     paint();
     if (effect_.keptVariables().get(kVersionCheck) == "true") {
@@ -183,7 +185,7 @@ void EditorSession::paint() {
         editor_->draw(surface_->view(), {part.x, part.y, part.width, part.height});
     }
     const auto view = surface_->view();
-    window_->present({view.pixels, view.width, view.height, view.stride}, parts);
+    window_->present({view.pixels, view.width, view.height, static_cast<int>(view.stride)}, parts);
 }
 
 bool EditorSession::keyDown(const Platform::KeyEvent& key) {
