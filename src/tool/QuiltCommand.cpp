@@ -6,7 +6,7 @@
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
-#include "resources/Resources.h"
+#include "resources/Lookup.h"
 #include "tool/LayoutFiles.h"
 #include "tool/SilentDesktop.h"
 #include "tool/SurfaceFile.h"
@@ -120,7 +120,7 @@ void load(const LoadOptions& options) {
     SilentDesktop desktop;
     Images::ImageLibrary images;
     Quilt::Editor editor(
-        {documents, views, desktop, desktop, clock, images, &effect.bridge(), &effect.bridge()});
+        {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
@@ -157,7 +157,7 @@ void snapshot(const SnapshotOptions& options) {
     const auto views = allViews(effect);
     LeapingClock clock;
     SilentDesktop desktop;
-    Quilt::Editor editor({documents, views, desktop, desktop, clock, images, &effect.bridge(), &effect.bridge()});
+    Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     // Before, for what loading depends on; and after, for what the document sets to begin with.
     setVariables(editor.variables(), options.variables);

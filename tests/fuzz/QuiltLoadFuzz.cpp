@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     documents.text.assign(reinterpret_cast<const char*>(data), size);
     Surroundings surroundings;
     Images::ImageLibrary images;
-    Quilt::Editor editor({documents, views, surroundings, surroundings, surroundings, images});
+    Quilt::Editor editor({documents, views, images, surroundings, surroundings, surroundings});
     editor.open("main", {0, 0, 470, 320});
     for (int i = 0; i < 3; ++i) {
         surroundings.time += std::chrono::milliseconds(100);

@@ -33,6 +33,15 @@ TEST(Autoexecs, RunAtLoadInOrderAndAgainAtReload) {
     EXPECT_THAT(rig.actions.take(), IsEmpty());
 }
 
+// Its answer is there before the views are.
+TEST(Autoexecs, AskAtTheFirstLoad) {
+    Rig rig;
+    rig.open("views: { { type: caption, text: \"[var]answer[/var]\" } }\n" +
+             autoexecs({"{ action: alert, params: { text: sure, variable: answer } }", note("[var]answer[/var]")}));
+    EXPECT_THAT(rig.desktop.messages, ElementsAre("sure"));
+    EXPECT_THAT(rig.actions.take(), ElementsAre("note ok"));
+}
+
 TEST(Autoexecs, RunByTime) {
     Rig rig;
     rig.open(autoexecs({note("late", ", delay: 0.1"), note("often", ", repeat: 0.25"),
@@ -147,7 +156,7 @@ TEST(Errors, AreTranslatedAndTakenByTheHost) {
         }
     } host;
     Rig rig;
-    Quilt::Editor editor({rig.documents, rig.views, rig.desktop, host, rig.clock, rig.images, &rig.provider, &rig.actions});
+    Quilt::Editor editor({rig.documents, rig.views, rig.images, rig.desktop, host, rig.clock, &rig.provider, &rig.actions});
     rig.documents.texts["t"] = "translations: { Quatsch: nonsense }";
     editor.open("t", {0, 0, 9, 9});
     const struct {
@@ -183,7 +192,7 @@ TEST(Errors, ThatCannotBeShownAreLogged) {
         }
     } desktop;
     Rig rig;
-    Quilt::Editor editor({rig.documents, rig.views, desktop, rig.host, rig.clock, rig.images});
+    Quilt::Editor editor({rig.documents, rig.views, rig.images, desktop, rig.host, rig.clock});
     rig.documents.texts["t"] = "autoexecs: { { action: a }, { action: b } }";
     editor.open("t", {0, 0, 9, 9});
     EXPECT_THAT(rig.host.logged,

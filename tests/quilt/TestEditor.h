@@ -145,7 +145,7 @@ struct Rig {
     Provider provider;
     Actions actions;
     Images::ImageLibrary images;
-    Quilt::Editor editor{{documents, views, desktop, host, clock, images, &provider, &actions}};
+    Quilt::Editor editor{{documents, views, images, desktop, host, clock, &provider, &actions}};
 
     void open(const std::string& text, bool reload = false) {
         documents.texts["main"] = text;

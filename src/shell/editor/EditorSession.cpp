@@ -145,7 +145,7 @@ EditorSize EditorSession::size() const {
 void EditorSession::begin(std::unique_ptr<Platform::Window> window) {
     window_ = std::move(window);
     desktop_.setWindow(window_.get());
-    editor_.emplace(Quilt::Editor::Services{documents_, views_, desktop_, *this, clock_, images_, &bridge_, &bridge_});
+    editor_.emplace(Quilt::Editor::Services{documents_, views_, images_, desktop_, *this, clock_, &bridge_, &bridge_});
     editor_->open(kMainLayout, {0, 0, Bridge::kEditorWidth, Bridge::kEditorHeight});
     paint();
     if (effect_.keptVariables().get(kVersionCheck) == "true") {
