@@ -28,12 +28,12 @@ void MidiConfigController::save(const std::filesystem::path& file) {
 }
 
 void MidiConfigController::makeDefault() {
-    preferences_.set(kMidiConfigKey, writeMidiConfig(config_));
+    preferences_.set(kMidiConfigEntry, writeMidiConfig(config_));
 }
 
 void MidiConfigController::loadDefault() {
     MidiConfig config;
-    if (const auto text = preferences_.get(kMidiConfigKey)) {
+    if (const auto text = preferences_.get(kMidiConfigEntry)) {
         readMidiConfig(*text, config);
     }
     replace(config);

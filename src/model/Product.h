@@ -11,6 +11,7 @@ inline constexpr std::string_view kProductName = "Murmelon";
 // Top keys of texts, and the names of stored entries.
 inline constexpr std::string_view kPatchKey = "MurmelonPatch";
 inline constexpr std::string_view kMidiConfigKey = "MurmelonMidiConfig";
+inline constexpr std::string_view kMidiConfigEntry = "MidiConfig"; // of the preferences
 
 // Extensions of files.
 inline constexpr std::string_view kPatchExtension = ".kvmp";

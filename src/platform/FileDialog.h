@@ -37,13 +37,13 @@ public:
     using Answered = std::function<void(const FileDialogAnswer&)>;
 
     // Shows the dialog. `answered` is called once, from within poll() and never from here, unless the dialog
-    // is destroyed before, which takes it off the screen. `answered` may destroy the dialog. On Windows the
-    // dialog is modal: there this call returns when the user has answered.
+    // is destroyed before, which takes it off the screen. `answered` may destroy the dialog.
     static std::unique_ptr<FileDialog> open(const FileDialogRequest& request, Answered answered);
 
     virtual ~FileDialog() = default;
 
-    // Returns at once. False when the answer has been given.
+    // False when the answer has been given. Returns at once, but on Windows when the user has answered: the
+    // system's dialog lets messages through meanwhile, so the host may call whatever it likes.
     virtual bool poll() = 0;
 };
 

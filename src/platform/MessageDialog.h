@@ -21,8 +21,7 @@ public:
     // `answered` is called once, from within poll() and never from here, unless the dialog is destroyed
     // before, which takes it off the screen. `answered` may destroy the dialog. Escape and closing answer
     // with the last button. The return key chooses button number `byReturn`, counted from the left. The painter must outlive the dialog. `owner` (0: none)
-    // stays behind it. Throws std::runtime_error when no window can be had. On Windows this call returns when
-    // the user has answered.
+    // stays behind it. Throws std::runtime_error when no window can be had.
     static std::unique_ptr<MessageDialog> open(NativeWindow owner, const std::string& title,
                                                const std::string& text, MessageButtons buttons,
                                                TextPainter& painter, Answered answered,
@@ -30,7 +29,8 @@ public:
 
     virtual ~MessageDialog() = default;
 
-    // Returns at once. False when the answer has been given.
+    // False when the answer has been given. Returns at once, but on Windows when the user has answered, as file
+    // dialogs do.
     virtual bool poll() = 0;
 };
 

@@ -29,14 +29,14 @@ public:
     // Shows the menu below `anchor`, which is in the owner's pixels (a rectangle without size is a point), or
     // above it where the screen ends. `chosen` is called once, from within poll() and never from here, unless
     // the menu is destroyed before, which takes it off the screen. `chosen` may destroy the menu. The owner
-    // and the painter must outlive it. Throws std::runtime_error when no menu can be shown. On Windows this
-    // call returns when the user has answered.
+    // and the painter must outlive it. Throws std::runtime_error when no menu can be shown.
     static std::unique_ptr<PopupMenu> open(Window& owner, Rect anchor, std::vector<MenuEntry> entries,
                                            TextPainter& painter, Chosen chosen);
 
     virtual ~PopupMenu() = default;
 
-    // Returns at once. False when the answer has been given.
+    // False when the answer has been given. Returns at once, but on Windows when the user has answered, as file
+    // dialogs do.
     virtual bool poll() = 0;
 };
 

@@ -38,6 +38,7 @@ inline constexpr const char* kMetaTextErrorTitle = "Error processing meta text";
 class Document {
 public:
     static constexpr int kDeepestLevel = 20;
+    static constexpr std::size_t kMostDocuments = 500; // open at once: those that show themselves twice double
 
     // `parent` is nullptr for the editor's top document, which is on level 0. Without `userScale` the document is
     // drawn at 1/1 whatever the user's scale is.

@@ -44,7 +44,7 @@ void checkKeys(const Stackbrace::Structure& structure) {
 } // namespace
 
 void Document::load(const Rectangle& enclosing, bool reload) {
-    if (level_ > kDeepestLevel) {
+    if (level_ > kDeepestLevel || editor_.documentCount() > kMostDocuments) {
         throw std::runtime_error("Quilt recursion limit exceeded");
     }
     closed_ = false;

@@ -124,6 +124,7 @@ void Editor::settle() {
     settling_ = true;
     // Watchers that keep waking each other go on with the next tick, not for ever here.
     constexpr int kMostRounds = 8;
+    std::size_t most = documents_.size();
     for (int round = 0; round < kMostRounds; ++round) {
         if (reloadRequested_) {
             load(true);
@@ -132,12 +133,19 @@ void Editor::settle() {
             break;
         }
         update();
+        if (documents_.size() > most) { // each may hold the next
+            most = documents_.size();
+            round = -1;
+        }
     }
     reloading_ = false;
     settling_ = false;
 }
 
 void Editor::update() {
+    if (root_ == nullptr) {
+        return; // what an action of the first load has changed is seen once there is something to show
+    }
     seenChanges_ = variables_.changeCount();
     variables_.beginUpdate(!std::exchange(updateRequested_, false));
     try {
@@ -152,7 +160,7 @@ void Editor::update() {
 }
 
 void Editor::tick() {
-    if (document_ == nullptr) {
+    if (document_ == nullptr || root_ == nullptr) {
         return;
     }
     const auto now = services_.clock.now();

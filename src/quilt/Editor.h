@@ -95,6 +95,7 @@ public:
     const TextField* textField() const { return field_.get(); }
 
     Document* document() const { return document_.get(); }
+    std::size_t documentCount() const { return documents_.size(); } // it and all within it
     View* root() const { return root_.get(); }
     Variables& variables() { return variables_; }
     const Services& services() const { return services_; }

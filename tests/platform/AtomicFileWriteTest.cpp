@@ -14,6 +14,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+#if defined(_WIN32)
+constexpr const char* kNoFile = "Permission denied"; // what opening a folder says
+#else
+constexpr const char* kNoFile = "Is a directory";
+#endif
+
 class AtomicFileWriteTest : public testing::Test {
 protected:
     fs::path folder_ =
@@ -37,10 +43,12 @@ TEST_F(AtomicFileWriteTest, replacesContentsAndKeepsPermissions) {
     const auto path = folder_ / "patch.txt";
     Platform::atomicFileWrite(path, std::string_view("one\0two", 7));
     EXPECT_EQ(contentsOf(path), std::string("one\0two", 7));
-    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    const auto ownersAlone = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(path, ownersAlone);
+    const auto given = fs::status(path).permissions(); // not every system tells the owner from the others
     Platform::atomicFileWrite(path, "three");
     EXPECT_EQ(contentsOf(path), "three");
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(path).permissions(), given);
     EXPECT_EQ(filesInFolder(), 1);
 }
 
@@ -79,7 +87,7 @@ TEST_F(AtomicFileWriteTest, whatWasWrittenIsRead) {
     Platform::atomicFileWrite(path, "");
     EXPECT_EQ(Platform::readFile(path), "");
     for (const auto& [unreadable, why] : {std::pair(folder_ / "missing", "No such file or directory"),
-                                          std::pair(folder_, "Is a directory")}) {
+                                          std::pair(folder_, kNoFile)}) {
         try {
             Platform::readFile(unreadable);
             FAIL();

@@ -33,6 +33,15 @@ TEST(Autoexecs, RunAtLoadInOrderAndAgainAtReload) {
     EXPECT_THAT(rig.actions.take(), IsEmpty());
 }
 
+// Its answer is there before the views are.
+TEST(Autoexecs, AskAtTheFirstLoad) {
+    Rig rig;
+    rig.open("views: { { type: caption, text: \"[var]answer[/var]\" } }\n" +
+             autoexecs({"{ action: alert, params: { text: sure, variable: answer } }", note("[var]answer[/var]")}));
+    EXPECT_THAT(rig.desktop.messages, ElementsAre("sure"));
+    EXPECT_THAT(rig.actions.take(), ElementsAre("note ok"));
+}
+
 TEST(Autoexecs, RunByTime) {
     Rig rig;
     rig.open(autoexecs({note("late", ", delay: 0.1"), note("often", ", repeat: 0.25"),

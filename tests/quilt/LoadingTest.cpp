@@ -210,15 +210,21 @@ TEST(Loading, NestsUpToTheLimit) {
     Rig rig;
     rig.editor.variables().set("layout", "main");
     rig.open("views: { { type: quilt, layoutVariable: layout } }");
-    for (int i = 0; i < 30; ++i) {
-        rig.editor.tick();
-    }
     int levels = 0;
     for (const Quilt::View* view = rig.editor.root(); !view->children().empty(); view = view->children()[0].get()) {
         levels += view->type() == "quilt" ? 1 : 0;
     }
     EXPECT_EQ(levels, 20);
     EXPECT_THAT(rig.desktop.messages, ElementsAre("Error obtaining quilt:\n\nQuilt recursion limit exceeded."));
+}
+
+TEST(Loading, BoundsDocumentsThatDouble) {
+    Rig rig;
+    rig.editor.variables().set("layout", "main");
+    rig.open("views: { { type: quilt, layoutVariable: layout }, { type: quilt, layoutVariable: layout } }");
+    EXPECT_EQ(rig.editor.documentCount(), Quilt::Document::kMostDocuments);
+    ASSERT_FALSE(rig.desktop.messages.empty());
+    EXPECT_EQ(rig.desktop.messages[0], "Error obtaining quilt:\n\nQuilt recursion limit exceeded.");
 }
 
 TEST(Loading, NestsViewsUpToTheLimit) {

@@ -134,7 +134,7 @@ TEST(StartUp, takesTheStoredBankAndMidiConfiguration) {
     Model::MidiConfig config;
     config.inputChannel = 9;
     config.assignments.assign(Parameters::mix, 7);
-    store(Model::kMidiConfigKey, Model::writeMidiConfig(config));
+    store("MidiConfig", Model::writeMidiConfig(config));
 
     PluginHost host;
     EXPECT_EQ(nameOf(host, 0), "Mine");
@@ -164,7 +164,7 @@ TEST(StartUp, whatIsDamagedIsLeftOut) {
          }) {
         settings.clear();
         store(Bnk::kStartupBankEntry, row.bank);
-        store(Model::kMidiConfigKey, row.midiConfig);
+        store("MidiConfig", row.midiConfig);
         PluginHost host;
         ASSERT_TRUE(host) << row.name;
         EXPECT_EQ(nameOf(host, 0), row.firstProgram) << row.name;

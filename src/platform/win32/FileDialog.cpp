@@ -1,4 +1,4 @@
-// The system's own dialogs. They are modal: the answer is there before the object is.
+// The system's own dialogs. They are modal: poll() shows one and comes back with the answer.
 #include "platform/FileDialog.h"
 
 #include "platform/win32/SystemText.h"
@@ -74,28 +74,27 @@ FileDialogAnswer ask(const FileDialogRequest& request) {
     return answer;
 }
 
-class AnsweredFileDialog final : public FileDialog {
+class SystemFileDialog final : public FileDialog {
 public:
-    AnsweredFileDialog(FileDialogAnswer answer, Answered answered)
-        : answer_(std::move(answer)), answered_(std::move(answered)) {}
+    SystemFileDialog(FileDialogRequest request, Answered answered)
+        : request_(std::move(request)), answered_(std::move(answered)) {}
 
     bool poll() override {
         if (const Answered answered = std::exchange(answered_, nullptr)) {
-            const FileDialogAnswer answer = std::move(answer_);
-            answered(answer); // may destroy this dialog
+            answered(ask(request_)); // may destroy this dialog
         }
         return false;
     }
 
 private:
-    FileDialogAnswer answer_;
+    FileDialogRequest request_;
     Answered answered_;
 };
 
 } // namespace
 
 std::unique_ptr<FileDialog> FileDialog::open(const FileDialogRequest& request, Answered answered) {
-    return std::make_unique<AnsweredFileDialog>(ask(request), std::move(answered));
+    return std::make_unique<SystemFileDialog>(request, std::move(answered));
 }
 
 } // namespace Platform

@@ -8,6 +8,7 @@
 #include <wininet.h>
 
 #include <array>
+#include <condition_variable>
 #include <mutex>
 #include <string_view>
 #include <thread>
@@ -34,68 +35,66 @@ std::string internetWords(DWORD error) {
     return error == ERROR_INTERNET_TIMEOUT ? std::string("Timeout was reached") : systemWords(error);
 }
 
-class InternetHttpGet final : public HttpGet {
+// What the thread works on. It outlives the object when the system does not let go of a call.
+class Fetch {
 public:
-    explicit InternetHttpGet(HttpRequest request)
-        : request_(std::move(request)), deadline_(Clock::now() + request_.timeout) {
-        if (!mayBeAsked(request_.address)) {
-            finish({0, {}, "Not an https address: " + request_.address});
-            return;
-        }
-        session_ = InternetOpenW(toWide(request_.userAgent).c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr,
-                                 nullptr, 0);
-        if (!session_) {
-            failed(GetLastError());
-            return;
-        }
-        auto patience = static_cast<DWORD>(request_.timeout.count());
-        for (const DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
-                                   INTERNET_OPTION_RECEIVE_TIMEOUT}) {
-            InternetSetOptionW(session_, option, &patience, sizeof patience);
-        }
-        thread_ = std::thread([this] { run(); });
-    }
-    ~InternetHttpGet() override {
-        cancel();
-        if (thread_.joinable()) {
-            thread_.join();
-        }
-    }
-    InternetHttpGet(const InternetHttpGet&) = delete;
-    InternetHttpGet& operator=(const InternetHttpGet&) = delete;
-
-    // The system's own time limits are for single steps; the one for all of them is kept here.
-    std::optional<HttpAnswer> answer() override {
-        const bool late = Clock::now() > deadline_;
-        {
-            const std::lock_guard lock(mutex_);
-            if (answer_ || !late) {
-                return answer_;
-            }
-            answer_ = HttpAnswer{0, {}, "Could not fetch " + request_.address + ": Timeout was reached"};
-        }
-        cancel();
-        return answer_;
-    }
-
-private:
-    using Clock = std::chrono::steady_clock;
+    Fetch(HttpRequest request, HINTERNET session) : request_(std::move(request)), session_(session) {}
+    ~Fetch() { cancel(); }
+    Fetch(const Fetch&) = delete;
+    Fetch& operator=(const Fetch&) = delete;
 
     void run() {
         // No redirections: they could lead away from what may be asked.
         constexpr DWORD kFlags = INTERNET_FLAG_NO_AUTO_REDIRECT | INTERNET_FLAG_NO_CACHE_WRITE |
                                  INTERNET_FLAG_RELOAD | INTERNET_FLAG_PRAGMA_NOCACHE |
                                  INTERNET_FLAG_NO_COOKIES | INTERNET_FLAG_NO_UI | INTERNET_FLAG_NO_AUTH;
-        const HINTERNET document =
-            InternetOpenUrlW(session(), toWide(request_.address).c_str(), nullptr, 0, kFlags, 0);
-        if (!document) {
+        if (const HINTERNET document =
+                InternetOpenUrlW(session(), toWide(request_.address).c_str(), nullptr, 0, kFlags, 0)) {
+            receive(document);
+            InternetCloseHandle(document);
+        } else {
             failed(GetLastError());
-            return;
         }
-        receive(document);
-        InternetCloseHandle(document);
+        const std::lock_guard lock(mutex_);
+        ended_ = true;
+        end_.notify_all();
     }
 
+    // Closing the session ends what goes on in it.
+    void cancel() {
+        HINTERNET session = nullptr;
+        {
+            const std::lock_guard lock(mutex_);
+            session = std::exchange(session_, nullptr);
+        }
+        if (session) {
+            InternetCloseHandle(session);
+        }
+    }
+
+    bool endsWithin(std::chrono::milliseconds patience) {
+        std::unique_lock lock(mutex_);
+        return end_.wait_for(lock, patience, [this] { return ended_; });
+    }
+
+    std::optional<HttpAnswer> answer() {
+        const std::lock_guard lock(mutex_);
+        return answer_;
+    }
+
+    // The first answer stays.
+    void finish(HttpAnswer answer) {
+        const std::lock_guard lock(mutex_);
+        if (!answer_) {
+            answer_ = std::move(answer);
+        }
+    }
+
+    void failed(DWORD error) {
+        finish({0, {}, "Could not fetch " + request_.address + ": " + internetWords(error)});
+    }
+
+private:
     void receive(HINTERNET document) {
         DWORD status = 0;
         DWORD size = sizeof status;
@@ -129,41 +128,75 @@ private:
         return session_;
     }
 
-    // Closing the session ends what goes on in it.
-    void cancel() {
-        HINTERNET session = nullptr;
-        {
-            const std::lock_guard lock(mutex_);
-            session = std::exchange(session_, nullptr);
-        }
-        if (session) {
-            InternetCloseHandle(session);
-        }
-    }
-
-    void failed(DWORD error) {
-        finish({0, {}, "Could not fetch " + request_.address + ": " + internetWords(error)});
-    }
-
-    void finish(HttpAnswer answer) {
-        const std::lock_guard lock(mutex_);
-        if (!answer_) {
-            answer_ = std::move(answer);
-        }
-    }
-
     const HttpRequest request_;
-    const Clock::time_point deadline_;
     std::mutex mutex_;
-    HINTERNET session_ = nullptr;      // guarded by mutex_; null: cancelled
+    std::condition_variable end_;
+    HINTERNET session_;                // guarded by mutex_; null: cancelled
     std::optional<HttpAnswer> answer_; // guarded by mutex_
+    bool ended_ = false;               // guarded by mutex_
+};
+
+class InternetHttpGet final : public HttpGet {
+public:
+    explicit InternetHttpGet(const HttpRequest& request)
+        : address_(request.address), deadline_(Clock::now() + request.timeout) {
+        const bool allowed = mayBeAsked(request.address);
+        const HINTERNET session =
+            allowed ? InternetOpenW(toWide(request.userAgent).c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr,
+                                    nullptr, 0)
+                    : nullptr;
+        const DWORD error = GetLastError();
+        fetch_ = std::make_shared<Fetch>(request, session);
+        if (!allowed) {
+            fetch_->finish({0, {}, "Not an https address: " + request.address});
+        } else if (!session) {
+            fetch_->failed(error);
+        } else {
+            thread_ = std::thread([fetch = fetch_] { fetch->run(); });
+        }
+    }
+    ~InternetHttpGet() override {
+        constexpr std::chrono::milliseconds kPatience{200};
+        fetch_->cancel();
+        if (!thread_.joinable()) {
+            return;
+        }
+        if (fetch_->endsWithin(kPatience)) {
+            thread_.join();
+            return;
+        }
+        // A look-up of a name, say, cannot be called off. The thread ends when the system lets it, so the code
+        // that it then returns to has to stay.
+        HMODULE module = nullptr;
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                           reinterpret_cast<LPCWSTR>(&internetWords), &module);
+        thread_.detach();
+    }
+    InternetHttpGet(const InternetHttpGet&) = delete;
+    InternetHttpGet& operator=(const InternetHttpGet&) = delete;
+
+    // The system's own time limits are for single steps; the one for all of them is kept here.
+    std::optional<HttpAnswer> answer() override {
+        if (!fetch_->answer() && Clock::now() > deadline_) {
+            fetch_->finish({0, {}, "Could not fetch " + address_ + ": Timeout was reached"});
+            fetch_->cancel();
+        }
+        return fetch_->answer();
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    const std::string address_;
+    const Clock::time_point deadline_;
+    std::shared_ptr<Fetch> fetch_;
     std::thread thread_;
 };
 
 } // namespace
 
 std::unique_ptr<HttpGet> HttpGet::start(HttpRequest request) {
-    return std::make_unique<InternetHttpGet>(std::move(request));
+    return std::make_unique<InternetHttpGet>(request);
 }
 
 } // namespace Platform

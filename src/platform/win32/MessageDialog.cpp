@@ -48,19 +48,31 @@ MessageAnswer answerOf(int pressed) {
     }
 }
 
-class AnsweredMessage final : public MessageDialog {
+class MessageBoxDialog final : public MessageDialog {
 public:
-    AnsweredMessage(MessageAnswer answer, Answered answered) : answer_(answer), answered_(std::move(answered)) {}
+    MessageBoxDialog(NativeWindow owner, const std::string& title, const std::string& text, UINT style,
+                     Answered answered)
+        : owner_(reinterpret_cast<HWND>(owner)), title_(toWide(title)), text_(toWide(text)), style_(style),
+          answered_(std::move(answered)) {}
 
     bool poll() override {
-        if (const Answered answered = std::exchange(answered_, nullptr)) {
-            answered(answer_); // may destroy this dialog
+        const Answered answered = std::exchange(answered_, nullptr);
+        if (!answered) {
+            return false;
         }
+        const int pressed = MessageBoxW(owner_, text_.c_str(), title_.c_str(), style_);
+        if (pressed == 0) {
+            throw std::runtime_error("Could not show a message: " + systemWords(GetLastError()));
+        }
+        answered(answerOf(pressed)); // may destroy this dialog
         return false;
     }
 
 private:
-    MessageAnswer answer_;
+    HWND owner_;
+    std::wstring title_;
+    std::wstring text_;
+    UINT style_;
     Answered answered_;
 };
 
@@ -70,12 +82,8 @@ std::unique_ptr<MessageDialog> MessageDialog::open(NativeWindow owner, const std
                                                    const std::string& text, MessageButtons buttons,
                                                    TextPainter&, Answered answered, int byReturn) {
     const UINT byReturnStyle = byReturn == 1 ? MB_DEFBUTTON2 : byReturn == 2 ? MB_DEFBUTTON3 : MB_DEFBUTTON1;
-    const int pressed = MessageBoxW(reinterpret_cast<HWND>(owner), toWide(text).c_str(), toWide(title).c_str(),
-                                    styleOf(buttons) | byReturnStyle);
-    if (pressed == 0) {
-        throw std::runtime_error("Could not show a message: " + systemWords(GetLastError()));
-    }
-    return std::make_unique<AnsweredMessage>(answerOf(pressed), std::move(answered));
+    return std::make_unique<MessageBoxDialog>(owner, title, text, styleOf(buttons) | byReturnStyle,
+                                              std::move(answered));
 }
 
 void showError(const std::string& title, const std::string& text) noexcept {

@@ -1,4 +1,4 @@
-// The system's own menus. They are modal: the answer is there before the object is.
+// The system's own menus. They are modal: poll() shows one and comes back with the answer.
 #include "platform/PopupMenu.h"
 
 #include "platform/win32/SystemText.h"
@@ -48,20 +48,40 @@ Menu makeMenu(const std::vector<MenuEntry>& entries, std::vector<int>& commands)
     return menu;
 }
 
-class AnsweredMenu final : public PopupMenu {
+class SystemMenu final : public PopupMenu {
 public:
-    AnsweredMenu(std::optional<int> answer, Chosen chosen) : answer_(answer), chosen_(std::move(chosen)) {}
+    SystemMenu(HWND owner, Rect anchor, std::vector<MenuEntry> entries, Chosen chosen)
+        : owner_(owner), anchor_(anchor), entries_(std::move(entries)), chosen_(std::move(chosen)) {}
 
     bool poll() override {
-        if (const Chosen chosen = std::exchange(chosen_, nullptr)) {
-            const std::optional<int> answer = answer_;
-            chosen(answer); // may destroy this menu
+        const Chosen chosen = std::exchange(chosen_, nullptr);
+        if (!chosen) {
+            return false;
         }
+        const std::optional<int> command = track();
+        chosen(command); // may destroy this menu
         return false;
     }
 
 private:
-    std::optional<int> answer_;
+    std::optional<int> track() const {
+        POINT corners[2] = {{anchor_.x, anchor_.y}, {anchor_.x + anchor_.width, anchor_.y + anchor_.height}};
+        MapWindowPoints(owner_, nullptr, corners, 2);
+        TPMPARAMS place{};
+        place.cbSize = sizeof place;
+        place.rcExclude = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
+        std::vector<int> commands;
+        const Menu menu = makeMenu(entries_, commands);
+        constexpr UINT kStyle = TPM_RETURNCMD | TPM_NONOTIFY | TPM_LEFTALIGN | TPM_TOPALIGN | TPM_VERTICAL;
+        const auto item = static_cast<std::size_t>(
+            TrackPopupMenuEx(menu.get(), kStyle, corners[0].x, corners[1].y, owner_, &place));
+        const bool answered = item >= 1 && item <= commands.size();
+        return answered ? std::optional(commands[item - 1]) : std::nullopt;
+    }
+
+    HWND owner_;
+    Rect anchor_;
+    std::vector<MenuEntry> entries_;
     Chosen chosen_;
 };
 
@@ -70,23 +90,10 @@ private:
 std::unique_ptr<PopupMenu> PopupMenu::open(Window& owner, Rect anchor, std::vector<MenuEntry> entries,
                                            TextPainter&, Chosen chosen) {
     const HWND window = reinterpret_cast<HWND>(owner.nativeId());
-    POINT corners[2] = {{anchor.x, anchor.y}, {anchor.x + anchor.width, anchor.y + anchor.height}};
     if (!IsWindow(window)) {
         throw std::runtime_error("There is no window for a menu");
     }
-    MapWindowPoints(window, nullptr, corners, 2);
-    TPMPARAMS place{};
-    place.cbSize = sizeof place;
-    place.rcExclude = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
-
-    std::vector<int> commands;
-    const Menu menu = makeMenu(entries, commands);
-    const auto item = static_cast<std::size_t>(
-        TrackPopupMenuEx(menu.get(), TPM_RETURNCMD | TPM_NONOTIFY | TPM_LEFTALIGN | TPM_TOPALIGN | TPM_VERTICAL,
-                         corners[0].x, corners[1].y, window, &place));
-    const bool answered = item >= 1 && item <= commands.size();
-    return std::make_unique<AnsweredMenu>(answered ? std::optional(commands[item - 1]) : std::nullopt,
-                                          std::move(chosen));
+    return std::make_unique<SystemMenu>(window, anchor, std::move(entries), std::move(chosen));
 }
 
 } // namespace Platform

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace Platform {
@@ -28,17 +30,20 @@ public:
         if (!mutex_) {
             fail("lock", key, name, GetLastError());
         }
-        const bool again = std::find(heldHere().begin(), heldHere().end(), name_) != heldHere().end();
         const DWORD result =
-            again ? WAIT_TIMEOUT : WaitForSingleObject(mutex_.get(), static_cast<DWORD>(patience.count()));
+            heldHere() ? WAIT_TIMEOUT : WaitForSingleObject(mutex_.get(), static_cast<DWORD>(patience.count()));
         // Abandoned: its holder died between two whole values, for a value is stored at once.
         if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED) {
             fail("lock", key, name, result == WAIT_TIMEOUT ? ERROR_SEM_TIMEOUT : GetLastError());
         }
-        heldHere().push_back(name_);
+        const std::lock_guard lock(holders().mutex);
+        holders().list.emplace_back(name_, GetCurrentThreadId());
     }
     ~NamedLock() {
-        heldHere().pop_back();
+        {
+            const std::lock_guard lock(holders().mutex);
+            std::erase(holders().list, Holder(name_, GetCurrentThreadId()));
+        }
         ReleaseMutex(mutex_.get());
     }
     NamedLock(const NamedLock&) = delete;
@@ -49,9 +54,20 @@ private:
         void operator()(HANDLE handle) const { CloseHandle(handle); }
     };
 
-    static std::vector<std::wstring>& heldHere() {
-        thread_local std::vector<std::wstring> names;
-        return names;
+    using Holder = std::pair<std::wstring, DWORD>;
+    struct Holders {
+        std::mutex mutex;
+        std::vector<Holder> list; // guarded by mutex
+    };
+    static Holders& holders() {
+        static Holders all; // not one for each thread: this compiler's go before their destructors run
+        return all;
+    }
+
+    bool heldHere() const {
+        const std::lock_guard lock(holders().mutex);
+        const Holder wanted(name_, GetCurrentThreadId());
+        return std::find(holders().list.begin(), holders().list.end(), wanted) != holders().list.end();
     }
 
     // A backslash has a meaning of its own in these names.

@@ -455,7 +455,8 @@ void WinWindow::timeHasPassed() {
 }
 
 void WinWindow::lose() {
-    if (std::exchange(window_, nullptr)) {
+    if (const HWND window = std::exchange(window_, nullptr)) {
+        SetWindowLongPtrW(window, GWLP_USERDATA, 0);
         listener_.windowLost();
     }
 }

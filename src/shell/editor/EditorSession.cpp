@@ -157,6 +157,19 @@ void EditorSession::checkForUpdates() {
 }
 
 void EditorSession::idle() {
+    if (std::exchange(idling_, true)) { // a system's modal dialog has let the host through
+        return;
+    }
+    try {
+        idleOnce();
+    } catch (...) {
+        idling_ = false;
+        throw;
+    }
+    idling_ = false;
+}
+
+void EditorSession::idleOnce() {
     effect_.idle();
     bridge_.idle();
     window_->poll();

@@ -50,6 +50,7 @@ private:
 
     void begin(std::unique_ptr<Platform::Window> window);
     Platform::Size wantedSize() const;
+    void idleOnce();
     void paint();
     void checkForUpdates();
     void fail(const std::string& message);
@@ -62,6 +63,7 @@ private:
     void mouseWheel(const Platform::WheelEvent& event) override;
     void mouseCaptureLost() override;
     void resized(Platform::Size size) override;
+    void hostIsSilent() override { idle(); }
     void closeRequested() override { finished_ = true; }
     void windowLost() override { finished_ = true; }
 
@@ -93,6 +95,7 @@ private:
     std::vector<Platform::Rect> dirty_;
     std::optional<Quilt::Editor> editor_;
     std::optional<Platform::UpdateCheck> updates_;
+    bool idling_ = false;
     bool finished_ = false;
 };
 
