@@ -1,6 +1,5 @@
 #include "tool/Commands.h"
 
-#include "bridge/EditorBridge.h"
 #include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
@@ -107,13 +106,21 @@ void failWithErrors(std::size_t count) {
     }
 }
 
+Quilt::ViewFactory allViews(WindowlessEffect& effect) {
+    Quilt::ViewFactory views = Quilt::standardViews();
+    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
+    return views;
+}
+
 void load(const LoadOptions& options) {
     const LayoutFiles documents(options.file);
-    const auto views = Quilt::standardViews();
+    WindowlessEffect effect({}, [](const std::string&) {});
+    const auto views = allViews(effect);
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
     Images::ImageLibrary images;
-    Quilt::Editor editor({documents, views, images, desktop, desktop, clock});
+    Quilt::Editor editor(
+        {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
@@ -146,10 +153,8 @@ void snapshot(const SnapshotOptions& options) {
     const Resources::Lookup resources = options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
-
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
-    auto views = Quilt::standardViews();
-    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
+    const auto views = allViews(effect);
     LeapingClock clock;
     SilentDesktop desktop;
     Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
@@ -206,7 +211,8 @@ void addQuiltCommand(CLI::App& program) {
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {
-        fmt::print("{}", Quilt::viewReference(Quilt::standardViews()));
+        WindowlessEffect effect({}, [](const std::string&) {});
+        fmt::print("{}", Quilt::viewReference(allViews(effect)));
     });
 }
 

@@ -9,7 +9,8 @@ namespace Quilt {
 
 namespace {
 
-constexpr char16_t kEllipsis = u'\u2026';
+// Three dots: not every font has the character.
+constexpr std::u16string_view kEllipsis = u"...";
 
 std::int32_t aligned(double part, double space) {
     return static_cast<std::int32_t>(std::floor(part * space));
@@ -102,7 +103,7 @@ std::u16string fitted(Images::TextFont& font, std::u16string_view text, double w
     if (font.width(text) <= width) {
         return std::u16string(text);
     }
-    const auto cut = [text](std::size_t length) { return std::u16string(text.substr(0, length)) + kEllipsis; };
+    const auto cut = [text](std::size_t length) { return std::u16string(text.substr(0, length)).append(kEllipsis); };
     std::size_t fits = 0;
     std::size_t tooLong = text.size();
     while (tooLong - fits > 1) {

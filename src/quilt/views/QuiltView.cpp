@@ -189,18 +189,19 @@ private:
         nested_ = std::move(nested);
         if (auto root = nested_->takeRoot()) {
             add(std::move(root));
-            enter(swapping ? nested_->transitions().swapIn : nested_->transitions().open);
+            enter(swapping);
         }
         invalidate();
         editor().requestUpdate();
     }
 
-    // What takes its own place on a reload has been there all the time.
-    void enter(const Transition& transition) {
+    // Turns round what is on its way out. What takes its own place on a reload has been there all the time.
+    void enter(bool swapping) {
+        const Transition& transition = swapping ? nested_->transitions().swapIn : nested_->transitions().open;
         if (transition.time.count() == 0 || editor().reloading()) {
             return;
         }
-        const Movement before = leaving_ != nullptr ? leaving_->movement : Movement();
+        const Movement before = leaving_ != nullptr && !swapping ? leaving_->movement : Movement();
         entering_ = {&transition, now() - lead(transition, before, now())};
         look_ = entering_.look(now());
     }
