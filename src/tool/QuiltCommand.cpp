@@ -17,6 +17,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -118,12 +119,15 @@ void load(const LoadOptions& options) {
     const auto views = allViews(effect);
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
-    Images::ImageLibrary images;
+    // Pictures, too, may stand beside the document.
+    const auto folder = std::filesystem::path(options.file).parent_path();
+    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder), [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
         {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
+    editor.prepare();
 
     const auto& errors = desktop.errors();
     fmt::print("{}\n", json(editor, errors).dump(2, ' ', false, Json::error_handler_t::replace));
