@@ -101,4 +101,9 @@ TEST_F(QuiltCommand, SetsVariablesBefore) {
     EXPECT_THAT(run({"quilt", "load", "a.quilt", "--scale", "0/1"}).errors, testing::Eq("error: Invalid scale: 0/1\n"));
 }
 
+TEST_F(QuiltCommand, PrintsTheReferenceOfViews) {
+    EXPECT_TRUE(run({"quilt", "types"}).output == CommandRun::contentsOf(MURMELON_DOCS "/quilt-views.md"))
+        << "Made anew by: murmelon quilt types > docs/quilt-views.md";
+}
+
 } // namespace
