@@ -55,9 +55,9 @@ Json json(const std::optional<std::chrono::milliseconds>& time) {
 }
 
 Json json(const Quilt::Autoexec& autoexec) {
-    return {{"action", autoexec.action},         {"params", autoexec.params},
-            {"delay", json(autoexec.delay)},     {"repeat", json(autoexec.repeat)},
-            {"onChanged", autoexec.onChanged},   {"onReload", autoexec.onReload},
+    return {{"action", autoexec.action},       {"params", autoexec.params},
+            {"delay", json(autoexec.delay)},   {"repeat", json(autoexec.repeat)},
+            {"onChanged", autoexec.onChanged}, {"onReload", autoexec.onReload},
             {"onClose", autoexec.onClose}};
 }
 
@@ -79,12 +79,9 @@ Json json(const Quilt::Editor& editor, const std::vector<std::string>& errors) {
     for (const auto& [source, target] : document.translations()) {
         translations[source] = target;
     }
-    return {{"bounds", json(document.bounds())},
-            {"views", json(*editor.root())["children"]},
-            {"autoexecs", std::move(autoexecs)},
-            {"transitions", json(document.transitions())},
-            {"translations", std::move(translations)},
-            {"errors", errors}};
+    return {{"bounds", json(document.bounds())},       {"views", json(*editor.root())["children"]},
+            {"autoexecs", std::move(autoexecs)},       {"transitions", json(document.transitions())},
+            {"translations", std::move(translations)}, {"errors", errors}};
 }
 
 void setVariables(Quilt::Variables& variables, const std::vector<std::string>& assignments) {
@@ -103,7 +100,8 @@ Quilt::Rectangle areaOf(const LoadOptions& options) {
 
 void failWithErrors(std::size_t count) {
     if (count > 0) {
-        throw std::runtime_error(fmt::format("{} in the document", count == 1 ? "1 error" : fmt::format("{} errors", count)));
+        throw std::runtime_error(
+            fmt::format("{} in the document", count == 1 ? "1 error" : fmt::format("{} errors", count)));
     }
 }
 
@@ -121,7 +119,8 @@ void load(const LoadOptions& options) {
     SilentDesktop desktop;
     // Pictures, too, may stand beside the document.
     const auto folder = std::filesystem::path(options.file).parent_path();
-    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder), [](std::string_view line) { std::cerr << line << '\n'; });
+    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder),
+                                [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
         {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
@@ -154,14 +153,16 @@ struct SnapshotOptions {
 
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
-    const Resources::Lookup resources = options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+    const Resources::Lookup resources =
+        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
     const auto views = allViews(effect);
     LeapingClock clock;
     SilentDesktop desktop;
-    Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
+    Quilt::Editor editor(
+        {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     // Before, for what loading depends on; and after, for what the document sets to begin with.
     setVariables(editor.variables(), options.variables);
@@ -205,11 +206,14 @@ void addQuiltCommand(CLI::App& program) {
     loading->callback([options] { load(*options); });
 
     const auto picture = std::make_shared<SnapshotOptions>();
-    auto* const drawing = quilt->add_subcommand("snapshot", "Draws a layout document, with an effect behind it, as PNG");
+    auto* const drawing =
+        quilt->add_subcommand("snapshot", "Draws a layout document, with an effect behind it, as PNG");
     drawing->add_option("DOCUMENT", picture->document, "The name of a resource, or a file")->required();
     drawing->add_option("OUT", picture->output, "The picture")->required();
     drawing->add_option("--scale", picture->scale, "Pixels a unit, as N/D")->capture_default_str();
-    drawing->add_option("--set", picture->variables, "NAME=VALUE: a variable's value")->expected(1)->take_all();
+    drawing->add_option("--set", picture->variables, "NAME=VALUE: a variable's value")
+        ->expected(1)
+        ->take_all();
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
     drawing->callback([picture] { snapshot(*picture); });

@@ -29,18 +29,22 @@ std::string compact(const std::string& json) {
 
 TEST_F(QuiltCommand, PrintsWhatWasBuilt) {
     write("parts", "@define wide = w-35\n");
-    write("a.quilt", "@include parts\n"
-                     "bounds: { 0, 0, 470, 320 }\n"
-                     "views: { { type: group, bounds: { @wide, 1, 34, 16 }, views: { { type: knob, variable: a } } } }\n"
-                     "autoexecs: { { action: set, onReload: false, params: { variable: v, value: \"x\" } }\n"
-                     " { action: set, params: { variable: [var]name[/var], value: 1 }, repeat: 0.25 }\n"
-                     " { action: set, onChanged: { v, w }, onClose: true } }\n"
-                     "transitions: { default: { time: 0.3 } }, translations: { \"zoom:1/1\": \"100%\" }\n");
-    const std::string first = R"({"action":"set","params":"{ variable: v, value: \"x\" }","delay":null,"repeat":null,)"
-                              R"("onChanged":[],"onReload":false,"onClose":false},)";
-    const auto expected = [](const std::string& knob, const std::string& bounds, const std::string& autoexec) {
+    write("a.quilt",
+          "@include parts\n"
+          "bounds: { 0, 0, 470, 320 }\n"
+          "views: { { type: group, bounds: { @wide, 1, 34, 16 }, views: { { type: knob, variable: a } } } }\n"
+          "autoexecs: { { action: set, onReload: false, params: { variable: v, value: \"x\" } }\n"
+          " { action: set, params: { variable: [var]name[/var], value: 1 }, repeat: 0.25 }\n"
+          " { action: set, onChanged: { v, w }, onClose: true } }\n"
+          "transitions: { default: { time: 0.3 } }, translations: { \"zoom:1/1\": \"100%\" }\n");
+    const std::string first =
+        R"({"action":"set","params":"{ variable: v, value: \"x\" }","delay":null,"repeat":null,)"
+        R"("onChanged":[],"onReload":false,"onClose":false},)";
+    const auto expected = [](const std::string& knob, const std::string& bounds,
+                             const std::string& autoexec) {
         return R"({"bounds":[0,0,470,320],"views":[{"type":"group","bounds":)" + bounds +
-               R"(,"children":[{"type":"knob","bounds":)" + knob + R"(,"children":[]}]}],"autoexecs":[)" + autoexec +
+               R"(,"children":[{"type":"knob","bounds":)" + knob + R"(,"children":[]}]}],"autoexecs":[)" +
+               autoexec +
                R"({"action":"set","params":"{ variable: [var]name[/var], value: 1 }","delay":null,"repeat":250,)"
                R"("onChanged":[],"onReload":true,"onClose":false},{"action":"set","params":"","delay":null,)"
                R"("repeat":null,"onChanged":["v","w"],"onReload":true,"onClose":true}],"transitions":{)"
@@ -62,10 +66,12 @@ TEST_F(QuiltCommand, TellsErrorsAndFails) {
     }
     const auto result = run({"quilt", "load", "-"}, text);
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(compact(result.output),
-                HasSubstr(R"("errors":["Error parsing quilt:\n\nUnknown view type: v0 (- line 1, column 18).",)"));
-    EXPECT_EQ(result.errors, "Error queue overflow: Error parsing quilt Unknown view type: v4 (- line 1, column 74)\n"
-                             "error: 4 errors in the document\n");
+    EXPECT_THAT(
+        compact(result.output),
+        HasSubstr(R"("errors":["Error parsing quilt:\n\nUnknown view type: v0 (- line 1, column 18).",)"));
+    EXPECT_EQ(result.errors,
+              "Error queue overflow: Error parsing quilt Unknown view type: v4 (- line 1, column 74)\n"
+              "error: 4 errors in the document\n");
 }
 
 TEST_F(QuiltCommand, LoadsWhatViewsDrawWith) {
@@ -98,7 +104,8 @@ TEST_F(QuiltCommand, SetsVariablesBefore) {
                 HasSubstr(R"("children":[{"type":"document","bounds":[5,5,235,60],"children":[]}])"));
     const auto wrong = run({"quilt", "load", "a.quilt", "--set", "modalLayout"});
     EXPECT_EQ(wrong.status, 2);
-    EXPECT_THAT(run({"quilt", "load", "a.quilt", "--scale", "0/1"}).errors, testing::Eq("error: Invalid scale: 0/1\n"));
+    EXPECT_THAT(run({"quilt", "load", "a.quilt", "--scale", "0/1"}).errors,
+                testing::Eq("error: Invalid scale: 0/1\n"));
 }
 
 TEST_F(QuiltCommand, PrintsTheReferenceOfViews) {
