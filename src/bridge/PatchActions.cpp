@@ -29,7 +29,7 @@ struct ExtraItem {
     std::string params;
 };
 
-// `above` and `below`: lists of { caption, action, params }; without a caption a line between items.
+// `above` and `below`: lists of { caption, action, params }; "-" is a line between items.
 class ExtraItems {
 public:
     ExtraItems(const ActionParams& params, const Quilt::ActionContext& context)
@@ -41,6 +41,13 @@ public:
             return;
         }
         for (const auto& element : list->list()) {
+            if (!element.raw().starts_with('{')) {
+                if (element.string() != "-") {
+                    params_.refuse();
+                }
+                menu.emplace_back();
+                continue;
+            }
             const auto structure = element.structure();
             Quilt::MenuItem item;
             item.caption = context_.expandMetaText(structure["caption"].string());

@@ -78,7 +78,9 @@ void PatchController::changeParameter(int id, float value, UndoStep step) {
         const auto& record = Parameters::kTable[static_cast<std::size_t>(id)];
         description.replace(placeholder, 2, surroundings_.translate(record.displayName));
     }
-    history_.record(std::move(description), step == UndoStep::ofRun, current(), programs_.current());
+    // A run ends with its program: a step shared by two would take back the change of the first alone.
+    const bool goesOn = step == UndoStep::ofRun && history_.newestProgram() == programs_.current();
+    history_.record(std::move(description), goesOn, current(), programs_.current());
     current().setValue(id, value);
 }
 

@@ -37,6 +37,10 @@ std::string UndoHistory::redoDescription() const {
     return canRedo() ? entries_[position_].description : std::string();
 }
 
+std::optional<int> UndoHistory::newestProgram() const {
+    return entries_.empty() ? std::nullopt : std::optional(entries_.back().program);
+}
+
 void UndoHistory::forgetFromPosition() {
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(position_), entries_.end());
 }

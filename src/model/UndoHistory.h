@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Model {
@@ -37,6 +38,8 @@ public:
     // Of the change that undo takes back or redo makes again; empty when there is none.
     std::string undoDescription() const;
     std::string redoDescription() const;
+
+    std::optional<int> newestProgram() const; // that of the last entry
 
     bool canUndo() const { return position_ > 0; }
     bool canRedo() const { return position_ + 1 < entries_.size(); }

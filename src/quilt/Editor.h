@@ -73,6 +73,10 @@ public:
     // Lets time go on: timers, changed variables, moving views, waiting errors.
     void tick();
 
+    // Has the images and fonts of all views loaded now and not before they are first drawn: what cannot be had is
+    // reported.
+    void prepare();
+
     // Draws `part` of the surface, which is opaque then; nothing else of it is touched.
     void draw(const Drawing::SurfaceView& surface, const Rectangle& part);
 

@@ -40,6 +40,18 @@ void Editor::draw(const Drawing::SurfaceView& surface, const Rectangle& part) {
     }
 }
 
+void Editor::prepare() {
+    if (root_ == nullptr) {
+        return;
+    }
+    try {
+        root_->prepareTree();
+    } catch (const std::exception& error) {
+        errors_.add({"Error drawing views", error.what(), {}, nullptr});
+    }
+    showErrors();
+}
+
 template <typename Event>
 auto Editor::handle(const Event& event) {
     struct Handling {

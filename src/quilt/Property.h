@@ -1,5 +1,5 @@
 // What a view type can be told in a layout: one row a property. The rows check what a layout says, supply what it
-// leaves out, and are printed as the reference of docs/quilt.md (`murmelon quilt types`).
+// leaves out, and are printed as the reference of docs/quilt-views.md (`murmelon quilt types`).
 #pragma once
 
 #include <limits>

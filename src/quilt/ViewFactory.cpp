@@ -73,10 +73,12 @@ ViewFactory standardViews() {
 }
 
 std::string viewReference(const ViewFactory& views) {
-    std::string text = "### All views\n\n" + std::string(kTableHead);
+    std::string text = "# Views\n\nMade by `murmelon quilt types`; docs/quilt.md says what they have in common.\n\n"
+                       "## All views\n\n" +
+                       std::string(kTableHead);
     appendRows(text, kCommon);
     for (const ViewType& type : views.types()) {
-        text += "\n### " + std::string(type.name) + "\n\n" + std::string(type.about) + "\n";
+        text += "\n## " + std::string(type.name) + "\n\n" + std::string(type.about) + "\n";
         if (!type.rows.empty()) {
             text += "\n" + std::string(kTableHead);
         }

@@ -10,6 +10,7 @@ void addAnalyzeCommand(CLI::App& program);
 void addBankCommand(CLI::App& program);
 void addBridgeCommand(CLI::App& program);
 void addExprCommand(CLI::App& program);
+void addEditorCommand(CLI::App& program);
 void addFontCommand(CLI::App& program);
 void addImageCommand(CLI::App& program);
 void addImageScriptCommand(CLI::App& program);

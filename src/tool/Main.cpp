@@ -37,6 +37,7 @@ int run(int argc, char** argv) {
     Tool::addFontCommand(program);
     Tool::addImageCommand(program);
     Tool::addBridgeCommand(program);
+    Tool::addEditorCommand(program);
     Tool::addImageScriptCommand(program);
 
     try {

@@ -1,6 +1,5 @@
 #include "tool/Commands.h"
 
-#include "bridge/EditorBridge.h"
 #include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
@@ -20,6 +19,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -109,16 +109,27 @@ void failWithErrors(std::size_t count) {
     }
 }
 
+Quilt::ViewFactory allViews(WindowlessEffect& effect) {
+    Quilt::ViewFactory views = Quilt::standardViews();
+    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
+    return views;
+}
+
 void load(const LoadOptions& options) {
     const LayoutFiles documents(options.file);
-    const auto views = Quilt::standardViews();
+    WindowlessEffect effect({}, [](const std::string&) {});
+    const auto views = allViews(effect);
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
-    Images::ImageLibrary images;
-    Quilt::Editor editor({documents, views, images, desktop, desktop, clock});
+    // Pictures, too, may stand beside the document.
+    const auto folder = std::filesystem::path(options.file).parent_path();
+    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder), [](std::string_view line) { std::cerr << line << '\n'; });
+    Quilt::Editor editor(
+        {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     setVariables(editor.variables(), options.variables);
     editor.open(documents.name(), areaOf(options), options.reload);
+    editor.prepare();
 
     const auto& errors = desktop.errors();
     fmt::print("{}\n", json(editor, errors).dump(2, ' ', false, Json::error_handler_t::replace));
@@ -178,8 +189,7 @@ void snapshot(const SnapshotOptions& options) {
     }
 
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
-    auto views = Quilt::standardViews();
-    views.add(Bridge::midiAssignType(effect.bridge().midiLearn()));
+    const auto views = allViews(effect);
     LeapingClock clock;
     SilentDesktop desktop;
     Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
@@ -238,7 +248,8 @@ void addQuiltCommand(CLI::App& program) {
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {
-        fmt::print("{}", Quilt::viewReference(Quilt::standardViews()));
+        WindowlessEffect effect({}, [](const std::string&) {});
+        fmt::print("{}", Quilt::viewReference(allViews(effect)));
     });
 }
 

@@ -159,7 +159,7 @@ TEST_F(PluginEditorTest, OpensAndClosesAgainAndAgainAndSurvivesItsParent) {
 TEST_F(PluginEditorTest, NoDisplayIsAnErrorAndNothingMore) {
     setenv("DISPLAY", ":4095", 1);
     EXPECT_EQ(host_.call(effEditOpen, 0, 0, reinterpret_cast<void*>(std::uintptr_t{1})), 0);
-    EXPECT_EQ(host_.call(effEditClose), 0);
+    host_.call(effEditClose);
     EXPECT_TRUE(allFinite(host_.process(voice(4800))));
     server_.use();
 }

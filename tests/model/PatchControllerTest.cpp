@@ -251,6 +251,20 @@ TEST_F(PatchControllerTest, undoGoesBackToTheProgramOfTheChange) {
     EXPECT_EQ(programs.current(), 7);
 }
 
+TEST_F(PatchControllerTest, aRunEndsWithItsProgram) {
+    controller.changeParameter(Parameters::pitch, 0.25f);
+    programs.select(1);
+    const float before = controller.current().value(Parameters::pitch);
+    controller.changeParameter(Parameters::pitch, 0.625f);
+    controller.changeParameter(Parameters::pitch, 0.75f);
+    controller.undo();
+    EXPECT_EQ(programs.current(), 1);
+    EXPECT_EQ(controller.current().value(Parameters::pitch), before);
+    controller.undo();
+    EXPECT_EQ(programs.current(), 0);
+    EXPECT_EQ(controller.current().value(Parameters::pitch), 0.5f);
+}
+
 // --- browsing ----------------------------------------------------------------------------------------------
 
 TEST(PatchMenu, listsFilesAndWhereToGo) {

@@ -64,7 +64,6 @@ TEST(Loading, SaysWhatIsWrong) {
         {"views: {\n  { type: knobb } }", "Unknown view type: knobb (main line 2, column 11)"},
         {"views: { { type: group, colour: red } }", "Unknown property of group: colour (main line 1, column 33)"},
         {"views: { { type: group, bounds: { 0, 0, -1 } } }", "View bounds has negative width and/or height"},
-        {"views: { { type: knob } }", "Missing property of knob: variable (main line 1, column 10)"},
         {"views: { { type: knob, variable: a, steps: many } }",
          "Invalid steps of knob: many (expected a whole number) (main line 1, column 44)"},
         {"views: { { type: knob, variable: a, fine: 2 } }",
@@ -131,13 +130,32 @@ TEST(Loading, SurvivesDocumentsThatCannotBeHad) {
     EXPECT_EQ(treeText(*rig.editor.root()), "");
 }
 
+// A view that lacks what it shows shows nothing.
+TEST(Loading, BuildsViewsOfNothingButTheirType) {
+    Rig rig;
+    rig.documents.texts["main"] = "views: {";
+    for (const char* const type :
+         {"raster", "rectangle", "gradient", "vector", "caption", "button", "slider", "cluster", "animation", "bubble",
+          "marker", "transformed", "console", "dragArea", "group", "paged", "knob", "click", "quilt"}) {
+        rig.documents.texts["main"] += std::string("{ type: ") + type + " }";
+    }
+    rig.documents.texts["main"] += "}";
+    rig.editor.open("main", {0, 0, 50, 40});
+    rig.editor.prepare();
+    Drawing::Surface surface(50, 40);
+    rig.editor.draw(surface.view(), {0, 0, 50, 40});
+    rig.editor.tick();
+    EXPECT_EQ(rig.editor.root()->children().size(), 19U);
+    EXPECT_THAT(rig.desktop.messages, IsEmpty());
+}
+
 TEST(Loading, PutsMacrosAndIncludesBeforeAll) {
     Rig rig;
     rig.documents.texts["parts"] = "@begin dot(x)\n{ type: group, bounds: { @x, 0, 1, 1 } }\n@end\n";
-    rig.open("@include parts\nviews: {\n @dot(7)\n @dot(9)\n { type: knob }\n}");
+    rig.open("@include parts\nviews: {\n @dot(7)\n @dot(9)\n { }\n}");
     EXPECT_EQ(treeText(*rig.editor.root()), "group [7 0 1 1], group [9 0 1 1]");
     EXPECT_THAT(rig.desktop.messages,
-                ElementsAre("Error parsing quilt:\n\nMissing property of knob: variable (main line 5, column 2)."));
+                ElementsAre("Error parsing quilt:\n\nMissing view type (main line 5, column 2)."));
     rig.documents.texts["main"] = "views: { @include none";
     rig.editor.requestReload();
     rig.editor.tick();

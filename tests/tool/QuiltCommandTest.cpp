@@ -68,6 +68,29 @@ TEST_F(QuiltCommand, TellsErrorsAndFails) {
                              "error: 4 errors in the document\n");
 }
 
+TEST_F(QuiltCommand, LoadsWhatViewsDrawWith) {
+    const struct {
+        std::string view;
+        std::string error;
+    } rows[] = {
+        {"raster, image: { name: diode, slices: 2, index: 1 }", ""},
+        {"raster, image: { ovsFile: dot }", ""},
+        {"raster, image: { name: nobody }", "image:\\n\\nMissing image: nobody."},
+        {"raster, image: { name: diode, slices: 2, index: 2 }", "image:\\n\\nInvalid image slice index."},
+        {"animation, film: { image: knob, frames: 0 }", "film:\\n\\nInvalid frame film count."},
+        {"caption, text: a, font: { ovsfont: nobody }", "font:\\n\\nCould not obtain OVS font: nobody."},
+        {"midiAssign, variable: params.mix", ""},
+    };
+    write("dot.ovs", "format ovs-1 requires:ZEKT-1\nbounds 0,0,4,4\n");
+    for (const auto& row : rows) {
+        write("a.quilt", "views: { { type: " + row.view + ", bounds: { 0, 0, 9, 9 } } }");
+        const auto result = run({"quilt", "load", "a.quilt"});
+        EXPECT_EQ(result.status, row.error.empty() ? 0 : 1) << row.view;
+        const std::string errors = row.error.empty() ? "" : "\"Error loading " + row.error + "\"";
+        EXPECT_THAT(compact(result.output), HasSubstr("\"errors\":[" + errors + "]")) << row.view;
+    }
+}
+
 TEST_F(QuiltCommand, SetsVariablesBefore) {
     write("inner", "bounds: { 5, 5, w/2, 60 }");
     write("a.quilt", "views: { { type: quilt, layoutVariable: modalLayout } }");

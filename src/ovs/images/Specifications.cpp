@@ -52,7 +52,7 @@ std::int32_t readScale(const Element& element) {
 
 // Documents hold bytes; what is drawn are characters, which texts hold as UTF-8 or, where that does not fit,
 // one a byte.
-std::u16string charactersOf(const std::string& text) {
+std::u16string toUtf16(const std::string& text) {
     std::u16string characters;
     for (std::size_t at = 0; at < text.size();) {
         const auto byte = [&](std::size_t i) -> unsigned {
@@ -134,7 +134,7 @@ FilmFontSpecification readFilmFont(const Structure& keys, const Element& element
     font.film = readFilmSpecification(keys.at("film"));
     const Element* charset = keys.find("charset");
     font.charset =
-        charset != nullptr ? charactersOf(charset->string()) : consecutiveCharacters(keys, element);
+        charset != nullptr ? toUtf16(charset->string()) : consecutiveCharacters(keys, element);
     if (const Element* ascent = keys.find("ascent")) {
         font.ascent = ascent->float64();
     }
@@ -150,7 +150,7 @@ FilmFontSpecification readFilmFont(const Structure& keys, const Element& element
         throw ImageError("Invalid font specification: " + element.text());
     }
     if (const Element* unknown = keys.find("unknown")) {
-        const std::u16string character = charactersOf(unknown->string());
+        const std::u16string character = toUtf16(unknown->string());
         if (character.size() != 1 || font.charset.find(character.front()) == std::u16string::npos) {
             throw ImageError("Replacement char not found in charset");
         }

@@ -134,8 +134,8 @@ public:
 };
 
 constexpr Property kPaged[] = {
-    {"variable", variable, "", "Names the page that is shown.", "", 0, 0, true},
-    {"pages", pages, "", "The pages: lists of views.", "", 0, 0, true},
+    {"variable", variable, "", "Names the page that is shown."},
+    {"pages", pages, "", "The pages: lists of views."},
     {"default", text, "", "The page for all other values of the variable."},
 };
 

@@ -22,20 +22,20 @@ namespace {
 using namespace Rows;
 
 constexpr Property kRaster[] = {
-    {"image", image, "", "The picture.", "", 0, 0, true},
+    {"image", image, "", "The picture."},
     {"align", align, "left top", "Where it stands in the bounds."},
     {"tile", boolean, "false", "Whether it is repeated to fill the bounds."},
 };
 
 constexpr Property kVector[] = {
-    {"image", image, "", "The picture: a specification with `ovsCode` or `ovsFile`.", "", 0, 0, true},
+    {"image", image, "", "The picture: a specification with `ovsCode` or `ovsFile`."},
     {"align", align, "left top", "Where it stands in the bounds."},
     {"live", boolean, "false", "Whether it is drawn anew when variables change that it reads."},
     {"interval", number, "0.033", "At least so many seconds between two of those drawings.", "", 0, 60},
 };
 
 constexpr Property kAnimation[] = {
-    {"film", film, "", "The frames.", "", 0, 0, true},
+    {"film", film, "", "The frames."},
     {"variable", variable, "", "Whose value chooses the frame; without one the frames go by themselves."},
     {"range", range, "{ 0, 1 }", "The variable's values for the first and the last frame; true is 1, false 0."},
     {"interval", number, "0.04", "Seconds a frame.", "", 0.001, 3600},
@@ -45,7 +45,7 @@ constexpr Property kAnimation[] = {
 };
 
 constexpr Property kMarker[] = {
-    {"variable", variable, "", "Whose value moves the mark.", "", 0, 0, true},
+    {"variable", variable, "", "Whose value moves the mark."},
     {"range", range, "{ 0, 1 }", "Its values at both ends."},
     {"image", image, "", "The mark."},
     {"color", color, "white", "Of the mark when it has no image."},

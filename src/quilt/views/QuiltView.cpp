@@ -19,8 +19,7 @@ namespace {
 using namespace Rows;
 
 constexpr Property kQuilt[] = {
-    {"layoutVariable", variable, "", "Names the document that is shown; while it is empty there is none.", "", 0, 0,
-     true},
+    {"layoutVariable", variable, "", "Names the document that is shown; while it is empty there is none."},
     {"uiScaling", boolean, "true", "Whether the document is drawn at the user's scale, else at 1/1."},
     {"modal", boolean, "false",
      "Whether the document, while it is shown, takes all of the mouse and the keys; escape then empties the variable."},

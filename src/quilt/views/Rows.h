@@ -40,7 +40,7 @@ inline constexpr Property kFocus[] = {
 
 // Of controls that change one variable by dragging, wheel and keys.
 inline constexpr Property kValue[] = {
-    {"variable", variable, "", "The variable that is shown and changed.", "", 0, 0, true},
+    {"variable", variable, "", "The variable that is shown and changed."},
     {"range", range, "{ 0, 1 }", "Its values at both ends."},
     {"steps", integer, "0", "How many values there are, both ends included; 0: any.", "", 0, 1000000},
     {"default", number, "",

@@ -20,7 +20,7 @@ constexpr Property kRectangle[] = {
 };
 
 constexpr Property kGradient[] = {
-    {"colors", colors, "", "Two or more, from top to bottom or from left to right.", "", 0, 0, true},
+    {"colors", colors, "", "Two or more, from top to bottom or from left to right."},
     {"stops", numbers, "", "Where each color stands, 0 to 1 and rising; without them they are evenly spread."},
     {"rounded", number, "0", "Radius of the corners, in units.", "", 0, 1000},
 };

@@ -25,7 +25,7 @@ constexpr Property kBubble[] = {
 };
 
 constexpr Property kConsole[] = {
-    {"text", text, "", "What is written: lines, the last ones in sight.", "", 0, 0, true},
+    {"text", text, "", "What is written: lines, the last ones in sight."},
     {"font", font, "", "The font; without one the framework's monospace."},
     {"color", color, "", "Of the text, in place of the font's own."},
 };

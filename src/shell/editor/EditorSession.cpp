@@ -3,6 +3,8 @@
 #include "bridge/EditorVariables.h"
 #include "bridge/MidiAssignView.h"
 #include "instance/EffectInstance.h"
+#include "quilt/Document.h"
+#include "quilt/Unicode.h"
 #include "resources/Resources.h"
 
 #include <algorithm>
@@ -196,7 +198,7 @@ void EditorSession::paint() {
         editor_->draw(surface_->view(), {part.x, part.y, part.width, part.height});
     }
     const auto view = surface_->view();
-    window_->present({view.pixels, view.width, view.height, view.stride}, parts);
+    window_->present({view.pixels, view.width, view.height, static_cast<int>(view.stride)}, parts);
 }
 
 bool EditorSession::keyDown(const Platform::KeyEvent& key) {

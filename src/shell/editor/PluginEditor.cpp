@@ -7,6 +7,8 @@
 
 namespace Shell {
 
+PluginEditor::PluginEditor(EffectInstance& effect) : effect_(effect) {}
+
 PluginEditor::~PluginEditor() = default;
 
 EditorSize PluginEditor::size() {

@@ -14,7 +14,7 @@ class EditorSession;
 
 class PluginEditor final : public Editor {
 public:
-    explicit PluginEditor(EffectInstance& effect) : effect_(effect) {}
+    explicit PluginEditor(EffectInstance& effect);
     ~PluginEditor() override;
 
     EditorSize size() override;
