@@ -225,7 +225,9 @@ void Properties::check(const Property& row, const Stackbrace::Element& value) co
         }
     };
     const auto requireInRange = [&](double number) {
-        require(number >= row.least && number <= row.most, limitsText(row));
+        if (number < row.least || number > row.most) {
+            require(false, limitsText(row));
+        }
     };
     const auto text = value.empty() ? std::string() : value.string();
     switch (row.kind) {

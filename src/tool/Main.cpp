@@ -21,6 +21,7 @@ int run(int argc, char** argv) {
                      "murmelon");
     program.set_version_flag("--version", "murmelon " MURMELON_VERSION);
     program.require_subcommand(1);
+    program.allow_windows_style_options(false); // a path may begin with a slash on any system
 
     Tool::addRenderCommand(program);
     Tool::addAnalyzeCommand(program);

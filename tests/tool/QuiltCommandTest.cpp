@@ -137,4 +137,9 @@ TEST_F(QuiltCommand, DrawsTheEditorsOwnDocuments) {
     }
 }
 
+TEST_F(QuiltCommand, PrintsTheReferenceOfViews) {
+    EXPECT_TRUE(run({"quilt", "types"}).output == CommandRun::contentsOf(MURMELON_DOCS "/quilt-views.md"))
+        << "Made anew by: murmelon quilt types > docs/quilt-views.md";
+}
+
 } // namespace

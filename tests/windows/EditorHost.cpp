@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -16,6 +17,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace Vst2;
@@ -25,6 +27,7 @@ namespace {
 constexpr int kPitch = 0;  // the host's number
 constexpr POINT kKnob = {45, 222};
 constexpr int kDragUp = 45;
+constexpr POINT kMenuButton = {450, 17};
 
 int failures = 0;
 
@@ -158,6 +161,64 @@ void pointer(DWORD what, POINT onScreen) {
     SendInput(1, &input, sizeof input);
 }
 
+void key(WORD code) {
+    for (const DWORD what : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
+        INPUT input{};
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = code;
+        input.ki.dwFlags = what;
+        SendInput(1, &input, sizeof input);
+    }
+}
+
+// A click on the knob gives it the keyboard.
+void testKeysAndWheel(Plugin& plugin, POINT knob) {
+    pointer(MOUSEEVENTF_LEFTDOWN, knob);
+    plugin.run(50);
+    pointer(MOUSEEVENTF_LEFTUP, knob);
+    plugin.run(50);
+    const float dragged = plugin.get(kPitch);
+    key(VK_DOWN);
+    plugin.run(100);
+    const float lowered = plugin.get(kPitch);
+    expect(lowered < dragged, "the down key lowers the knob");
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.mouseData = WHEEL_DELTA;
+    input.mi.dwFlags = MOUSEEVENTF_WHEEL;
+    SendInput(1, &input, sizeof input);
+    plugin.run(100);
+    expect(plugin.get(kPitch) > lowered, "the wheel raises it");
+}
+
+// The system's menu keeps the host's thread until it is answered, so the user is another one.
+void testMenu(Plugin& plugin, HWND parent) {
+    constexpr const wchar_t* kMenu = L"#32768"; // the class of all menus
+    POINT at = kMenuButton;
+    ClientToScreen(parent, &at);
+    std::atomic<bool> seen{false};
+    std::thread user([&] {
+        pointer(0, at);
+        Sleep(200);
+        pointer(MOUSEEVENTF_LEFTDOWN, at);
+        pointer(MOUSEEVENTF_LEFTUP, at);
+        for (int i = 0; i < 100 && !seen; ++i) {
+            Sleep(100);
+            seen = FindWindowW(kMenu, nullptr) != nullptr;
+        }
+        Sleep(200);
+        key(VK_ESCAPE);
+    });
+    const DWORD start = GetTickCount();
+    while (!seen && GetTickCount() - start < 12'000) {
+        plugin.run(20);
+    }
+    user.join();
+    plugin.run(100);
+    expect(seen, "the menu is the system's");
+    expect(FindWindowW(kMenu, nullptr) == nullptr, "escape closes the menu");
+}
+
 void testEditor(const char* file, const char* pictureFile) {
     Plugin plugin(file);
     expect(plugin.hasEditor(), "there is an editor");
@@ -197,6 +258,9 @@ void testEditor(const char* file, const char* pictureFile) {
     ShowWindow(parent, SW_SHOW);
     plugin.run(100);
     expect(photograph(parent, all).pixels == after.pixels, "exposed parts are repaired");
+
+    testMenu(plugin, parent);
+    testKeysAndWheel(plugin, at);
 
     plugin.call(effEditClose);
     expect(GetWindow(parent, GW_CHILD) == nullptr, "closing leaves no window");

@@ -166,7 +166,7 @@ void ValueControl::dragged(const MouseEvent& event) {
     if (!gesture_.on() || !dragging_ || event.at == lastAt_) {
         return;
     }
-    const double amount = moved(lastAt_, event.at) * (event.modifiers.shift ? fine_ : 1);
+    const double amount = travelled(lastAt_, event.at) * (event.modifiers.shift ? fine_ : 1);
     lastAt_ = event.at;
     if (amount != 0) {
         dragPosition_ = std::clamp(dragPosition_ + amount, 0.0, 1.0);

@@ -76,7 +76,7 @@ protected:
     const Range& range() const { return range_; }
 
     // How much of the way a movement of the mouse is.
-    virtual double moved(Point from, Point to) const = 0;
+    virtual double travelled(Point from, Point to) const = 0;
     // Where a press at `at` moves the value at once; nullopt: nowhere.
     virtual std::optional<double> jumpTo(Point at) const {
         static_cast<void>(at);

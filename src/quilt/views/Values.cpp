@@ -85,7 +85,7 @@ public:
 protected:
     Cursor ownCursor(Point) const override { return horizontal_ ? Cursor::horizontal : Cursor::vertical; }
 
-    double moved(Point from, Point to) const override {
+    double travelled(Point from, Point to) const override {
         const double length = ownLength_ ? dragLength() : std::max(1, way());
         const double pixels = along(to) - along(from);
         return (horizontal_ ? pixels : -pixels) / length;
@@ -171,7 +171,7 @@ public:
 
 protected:
     Cursor ownCursor(Point) const override { return Cursor::vertical; }
-    double moved(Point from, Point to) const override { return (from.y - to.y) / dragLength(); }
+    double travelled(Point from, Point to) const override { return (from.y - to.y) / dragLength(); }
 
 private:
     Drawing::Point onCircle(const DrawContext& context, double radius, double position) const {
