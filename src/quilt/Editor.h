@@ -127,6 +127,7 @@ private:
     auto handle(const Event& event);
     void load(bool reload);
     void placeField();
+    void clearCaches();
     void update();
     void showErrors();
     void show(const ErrorQueue::Error& error);
@@ -147,6 +148,7 @@ private:
     std::optional<TextEdit> textEdit_;
     std::unique_ptr<TextField> field_; // of textEdit_
     bool fieldPressed_ = false;
+    std::optional<Scale> loadedScale_; // of the last load
     std::uint64_t seenChanges_ = 0;
     bool reloadRequested_ = false;
     bool updateRequested_ = false;

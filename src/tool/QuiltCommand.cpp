@@ -16,7 +16,9 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -149,7 +151,32 @@ struct SnapshotOptions {
     std::string scale = "1/1";
     std::vector<std::string> variables;
     std::string resources;
+    double tone = 0;
 };
+
+// A second of a tone with all harmonics, for what shows the sound that goes through.
+void sound(Shell::EffectInstance& effect, double frequency) {
+    constexpr int kBlock = 512;
+    constexpr float kLevel = 0.25f;
+    const double rate = effect.audio().sampleRate();
+    double phase = 0;
+    for (double left = rate; left > 0; left -= kBlock) {
+        std::array<float, kBlock> wave{};
+        for (float& sample : wave) {
+            sample = kLevel * static_cast<float>(2 * phase - 1);
+            phase = std::fmod(phase + frequency / rate, 1.0);
+        }
+        const std::array<const float*, 2> in = {wave.data(), wave.data()};
+        std::array<std::array<float, kBlock>, 2> output;
+        const std::array<float*, 2> out = {output[0].data(), output[1].data()};
+        Shell::AudioBuffers buffers;
+        buffers.in = in.data();
+        buffers.out = out.data();
+        buffers.samples = kBlock;
+        effect.process(buffers);
+    }
+    effect.idle();
+}
 
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
@@ -157,6 +184,10 @@ void snapshot(const SnapshotOptions& options) {
         options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
+    if (options.tone > 0) {
+        sound(effect.effect(), options.tone);
+    }
+
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
     const auto views = allViews(effect);
     LeapingClock clock;
@@ -216,6 +247,8 @@ void addQuiltCommand(CLI::App& program) {
         ->take_all();
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
+    drawing->add_option("--tone", picture->tone, "A second of a tone of so many Hz goes through the effect first")
+        ->check(CLI::Range(20.0, 10000.0));
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {
