@@ -1,5 +1,5 @@
-// Loading a layout of a thousand views, as the editor's opening and each change of its scale does; and an update in
-// which nothing has changed for any of them.
+// Loading a layout of a thousand views, as the editor's opening and each change of its scale does; and an
+// update in which nothing has changed for any of them.
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
@@ -33,12 +33,14 @@ struct Surroundings : Quilt::DocumentSource, Quilt::Desktop, Quilt::EditorHost, 
 
 // Knobs with captions in groups, written with a macro as people do.
 std::string layout() {
-    std::string text = "@define small = { ovsfont: \"sans-serif\", size: 10 }\n"
-                       "@begin control(name, x, y)\n"
-                       "{ type: group, bounds: { @x, @y, 40, 50 }, views: {\n"
-                       "\t{ type: knob, variable: \"@name\", bounds: { 0, 0, w, h-10 }, hint: \"@name: [var]@name[/var]\" }\n"
-                       "\t{ type: caption, text: \"[var]@name[/var]\", font: @small, bounds: { 0, h-10, w, 10 } }\n"
-                       "} }\n@end\nviews: {\n";
+    std::string text =
+        "@define small = { ovsfont: \"sans-serif\", size: 10 }\n"
+        "@begin control(name, x, y)\n"
+        "{ type: group, bounds: { @x, @y, 40, 50 }, views: {\n"
+        "\t{ type: knob, variable: \"@name\", bounds: { 0, 0, w, h-10 }, hint: \"@name: [var]@name[/var]\" "
+        "}\n"
+        "\t{ type: caption, text: \"[var]@name[/var]\", font: @small, bounds: { 0, h-10, w, 10 } }\n"
+        "} }\n@end\nviews: {\n";
     for (int i = 0; i * 3 < kViews; ++i) {
         text += "@control(v" + std::to_string(i % 50) + ", " + std::to_string(i % 20 * 40) + ", " +
                 std::to_string(i / 20 * 50) + ")\n";

@@ -1,5 +1,6 @@
 // What carries out the actions that are not the framework's own. The editor bridge implements it. Actions are
-// named in layouts and take their parameters as the raw text of a Stackbrace value, empty when there are none.
+// named in layouts and take their parameters as the raw text of a Stackbrace value, empty when there are
+// none.
 #pragma once
 
 #include "quilt/Desktop.h"
@@ -35,8 +36,8 @@ public:
 
     virtual Desktop& desktop() = 0;
 
-    // Where a menu belongs: the control that called the action, in pixels of the editor's surface. nullopt when
-    // none did.
+    // Where a menu belongs: the control that called the action, in pixels of the editor's surface. nullopt
+    // when none did.
     virtual std::optional<Rectangle> anchor() const = 0;
 };
 

@@ -24,7 +24,8 @@ std::chrono::milliseconds readTime(std::string_view key, const Stackbrace::Eleme
 
 std::chrono::milliseconds toMilliseconds(double seconds) {
     constexpr double kLongest = 1e9; // thirty years, far from the end of the clock
-    return std::chrono::milliseconds(static_cast<std::int64_t>(std::clamp(seconds, 0.0, kLongest) * 1000.0 + 0.5));
+    return std::chrono::milliseconds(
+        static_cast<std::int64_t>(std::clamp(seconds, 0.0, kLongest) * 1000.0 + 0.5));
 }
 
 Autoexec readAutoexec(const Stackbrace::Element& element) {

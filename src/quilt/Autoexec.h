@@ -1,5 +1,5 @@
-// Actions that a document carries out by itself: when it has been loaded, after a while and in intervals, when a
-// variable changes, when it is closed.
+// Actions that a document carries out by itself: when it has been loaded, after a while and in intervals,
+// when a variable changes, when it is closed.
 #pragma once
 
 #include "notation/Document.h"
@@ -23,10 +23,10 @@ struct Autoexec {
     // The first that applies decides when the action runs.
     enum class Occasion { close, time, change, load };
     Occasion occasion() const {
-        return onClose            ? Occasion::close
-               : delay || repeat  ? Occasion::time
+        return onClose              ? Occasion::close
+               : delay || repeat    ? Occasion::time
                : !onChanged.empty() ? Occasion::change
-                                  : Occasion::load;
+                                    : Occasion::load;
     }
 };
 

@@ -55,7 +55,8 @@ Rectangle readBounds(const Stackbrace::Element& bounds, const Rectangle& enclosi
         const Symbols<std::int32_t> symbols = [&](std::string_view name) {
             return name == "$" ? std::optional(fallback) : areaSymbol(enclosing, name);
         };
-        sides[i] = evaluateAll<std::int32_t>(list[i].empty() ? std::string() : list[i].string(), fallback, symbols);
+        sides[i] =
+            evaluateAll<std::int32_t>(list[i].empty() ? std::string() : list[i].string(), fallback, symbols);
     }
     if (sides[2] < 0 || sides[3] < 0) {
         throw std::runtime_error("View bounds has negative width and/or height");

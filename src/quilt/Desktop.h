@@ -1,6 +1,7 @@
-// What a layout needs of the desktop around it: message boxes, menus, the clipboard, the browser. The editor's
-// window implements it, tests fake it. Nothing here waits: the answer comes by a call from the event loop, at
-// once where the service can do so. Each request is answered exactly once, unless the desktop goes away first.
+// What a layout needs of the desktop around it: message boxes, menus, the clipboard, the browser. The
+// editor's window implements it, tests fake it. Nothing here waits: the answer comes by a call from the event
+// loop, at once where the service can do so. Each request is answered exactly once, unless the desktop goes
+// away first.
 #pragma once
 
 #include "quilt/Geometry.h"
@@ -24,7 +25,8 @@ struct Message {
 };
 
 struct MenuItem {
-    std::string caption; // empty: a line between items. "&" before the key that chooses the item, "&&" for "&"
+    std::string
+        caption; // empty: a line between items. "&" before the key that chooses the item, "&&" for "&"
     bool enabled = true;
     bool checked = false;
     std::vector<MenuItem> items; // of a submenu
@@ -38,8 +40,8 @@ public:
     // A box closed in another way than by a button answers with `cancel`, or with its last button.
     virtual void showMessage(const Message& message, std::function<void(MessageButton)> answer) = 0;
 
-    // Below `anchor`, which is in pixels of the editor's surface, or at the mouse without one; nullopt: nothing
-    // was chosen. Throws "No parent window for popup menu" when the editor is in no window.
+    // Below `anchor`, which is in pixels of the editor's surface, or at the mouse without one; nullopt:
+    // nothing was chosen. Throws "No parent window for popup menu" when the editor is in no window.
     virtual void popUpMenu(const std::vector<MenuItem>& items, std::optional<Rectangle> anchor,
                            std::function<void(std::optional<int>)> chosen) = 0;
 

@@ -12,9 +12,9 @@
 namespace Quilt {
 
 Document::Document(Editor& editor, std::string name, const Document* parent, bool userScale)
-    : editor_(editor), name_(std::move(name)), parent_(parent), level_(parent == nullptr ? 0 : parent->level() + 1),
-      userScale_(userScale), translations_(std::make_shared<Translations>()),
-      handle_(std::make_shared<Document*>(this)) {
+    : editor_(editor), name_(std::move(name)), parent_(parent),
+      level_(parent == nullptr ? 0 : parent->level() + 1), userScale_(userScale),
+      translations_(std::make_shared<Translations>()), handle_(std::make_shared<Document*>(this)) {
     editor_.documents_.push_back(this);
 }
 
@@ -71,8 +71,9 @@ std::string Document::expandMacros(std::string_view text) {
     if (macros_ == nullptr) {
         return std::string(text);
     }
-    return Quilt::expandMacros(
-        text, *macros_, [this](const std::string& title, const std::string& message) { reportError(title, message); });
+    return Quilt::expandMacros(text, *macros_, [this](const std::string& title, const std::string& message) {
+        reportError(title, message);
+    });
 }
 
 std::string Document::expandMetaText(std::string_view text) {

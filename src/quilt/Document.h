@@ -1,8 +1,8 @@
-// A layout document that is shown: its size, its views, and what goes on by itself while it is. The editor owns the
-// top one, `quilt` views those nested in it.
+// A layout document that is shown: its size, its views, and what goes on by itself while it is. The editor
+// owns the top one, `quilt` views those nested in it.
 //
-// Loading reports what is wrong and goes on as far as it can; a surface with a broken view is better than none.
-// Only the nesting level makes it throw.
+// Loading reports what is wrong and goes on as far as it can; a surface with a broken view is better than
+// none. Only the nesting level makes it throw.
 #pragma once
 
 #include "notation/Document.h"
@@ -38,17 +38,18 @@ inline constexpr const char* kMetaTextErrorTitle = "Error processing meta text";
 class Document {
 public:
     static constexpr int kDeepestLevel = 20;
-    static constexpr std::size_t kMostDocuments = 500; // open at once: those that show themselves twice double
+    static constexpr std::size_t kMostDocuments =
+        500; // open at once: those that show themselves twice double
 
-    // `parent` is nullptr for the editor's top document, which is on level 0. Without `userScale` the document is
-    // drawn at 1/1 whatever the user's scale is.
+    // `parent` is nullptr for the editor's top document, which is on level 0. Without `userScale` the
+    // document is drawn at 1/1 whatever the user's scale is.
     Document(Editor& editor, std::string name, const Document* parent = nullptr, bool userScale = true);
     ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
-    // `enclosing` is in units of the document. A reload keeps the variables and runs the autoexecs that are for
-    // reloads, too. Throws std::runtime_error "Quilt recursion limit exceeded".
+    // `enclosing` is in units of the document. A reload keeps the variables and runs the autoexecs that are
+    // for reloads, too. Throws std::runtime_error "Quilt recursion limit exceeded".
     void load(const Rectangle& enclosing, bool reload);
 
     // Carries out the autoexecs for this occasion, once.
@@ -85,8 +86,8 @@ public:
 
     void reportError(const std::string& title, const std::string& message, const std::string& detail = {});
 
-    // For the editor, which calls them in all its documents. What is due at `now` is carried out, and what waits
-    // for a variable that is another now.
+    // For the editor, which calls them in all its documents. What is due at `now` is carried out, and what
+    // waits for a variable that is another now.
     void runTimers(std::chrono::milliseconds now);
     void runWatchers();
 

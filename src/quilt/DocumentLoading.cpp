@@ -1,5 +1,5 @@
-// The stages of a document's loading: its text is obtained, expanded and parsed; then the document takes up what
-// stands there.
+// The stages of a document's loading: its text is obtained, expanded and parsed; then the document takes up
+// what stands there.
 #include "notation/Compound.h"
 #include "quilt/Bounds.h"
 #include "quilt/Document.h"

@@ -69,8 +69,7 @@ void Editor::load(bool reload) {
     reloadRequested_ = false;
     reloading_ = reload;
     interaction_.cancel();
-    fonts_.clear();
-    services_.images.clear();
+    clearCaches();
     document_->load(area_, reload);
     if (auto root = document_->takeRoot()) {
         root_ = std::move(root);
@@ -81,6 +80,17 @@ void Editor::load(bool reload) {
         placeField();
     }
     requestUpdate();
+}
+
+// Pictures are read anew when somebody asks for the same thing again: then they may be others.
+void Editor::clearCaches() {
+    fonts_.clear();
+    const Scale scale = userScale();
+    if (std::exchange(loadedScale_, scale) == scale) {
+        services_.images.clear();
+    } else {
+        services_.images.clearScaled();
+    }
 }
 
 void Editor::close() {

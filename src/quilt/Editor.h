@@ -1,10 +1,10 @@
-// One editor: a top document with all that is nested in it, the variables they share, and the way of events and
-// time to them. The window calls it; it needs none, so that layouts can be loaded and drawn anywhere.
+// One editor: a top document with all that is nested in it, the variables they share, and the way of events
+// and time to them. The window calls it; it needs none, so that layouts can be loaded and drawn anywhere.
 //
 //   Editor editor(services);
 //   editor.open("MURMELON_MAIN", {0, 0, 470, 320});
-//   ... editor.tick() some 30 times a second, input as it comes, editor.draw() for what the host was told to be out
-//   of date ...
+//   ... editor.tick() some 30 times a second, input as it comes, editor.draw() for what the host was told to
+//   be out of date ...
 #pragma once
 
 #include "drawing/Surface.h"
@@ -66,21 +66,22 @@ public:
     // Whether the views that are being made take the place of others of the same document.
     bool reloading() const { return reloading_; }
 
-    // Carries out what an event or an action has brought about: changed variables, nested documents that come and
-    // go, a reload.
+    // Carries out what an event or an action has brought about: changed variables, nested documents that come
+    // and go, a reload.
     void settle();
 
     // Lets time go on: timers, changed variables, moving views, waiting errors.
     void tick();
 
-    // Has the images and fonts of all views loaded now and not before they are first drawn: what cannot be had is
-    // reported.
+    // Has the images and fonts of all views loaded now and not before they are first drawn: what cannot be
+    // had is reported.
     void prepare();
 
     // Draws `part` of the surface, which is opaque then; nothing else of it is touched.
     void draw(const Drawing::SurfaceView& surface, const Rectangle& part);
 
-    // Input, in the surface's pixels. Two presses of a double click come as one with `clicks` 1 and one with 2.
+    // Input, in the surface's pixels. Two presses of a double click come as one with `clicks` 1 and one
+    // with 2.
     void mousePressed(const MouseEvent& event);
     void mouseReleased(const MouseEvent& event);
     void mouseMoved(const MouseEvent& event);
@@ -126,6 +127,7 @@ private:
     auto handle(const Event& event);
     void load(bool reload);
     void placeField();
+    void clearCaches();
     void update();
     void showErrors();
     void show(const ErrorQueue::Error& error);
@@ -146,6 +148,7 @@ private:
     std::optional<TextEdit> textEdit_;
     std::unique_ptr<TextField> field_; // of textEdit_
     bool fieldPressed_ = false;
+    std::optional<Scale> loadedScale_; // of the last load
     std::uint64_t seenChanges_ = 0;
     bool reloadRequested_ = false;
     bool updateRequested_ = false;
@@ -153,7 +156,8 @@ private:
     bool settling_ = false;
     int handling_ = 0; // events: views stay until they are done
     bool errorShown_ = false;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); // for answers that come when the editor may be gone
+    std::shared_ptr<bool> alive_ =
+        std::make_shared<bool>(true); // for answers that come when the editor may be gone
 };
 
 } // namespace Quilt

@@ -1,11 +1,11 @@
-// What the window asks of an editor: to draw, and to take the mouse and the keys; and the field over the surface
-// in which text is typed.
+// What the window asks of an editor: to draw, and to take the mouse and the keys; and the field over the
+// surface in which text is typed.
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/TextField.h"
-#include "quilt/View.h"
 #include "quilt/Unicode.h"
+#include "quilt/View.h"
 #include "quilt/drawing/Painting.h"
 
 #include <algorithm>
@@ -167,14 +167,15 @@ void Editor::placeField() {
     const double scale = document_->scale().factor();
     std::shared_ptr<Images::TextFont> font;
     try {
-        font = fonts_.get("field", Images::OutlineFontSpecification{.name = "sans-serif", .size = 12, .colour = 0xFF1A1B1F},
-                          scale);
+        font = fonts_.get(
+            "field", Images::OutlineFontSpecification{.name = "sans-serif", .size = 12, .colour = 0xFF1A1B1F},
+            scale);
     } catch (const std::exception& error) {
         errors_.add({"Error loading font", error.what(), {}, nullptr});
     }
     const std::string text = field_ != nullptr ? field_->text() : textEdit_->text;
-    field_ = std::make_unique<TextField>(text, TextField::place(textEdit_->at, root_->bounds(), scale), std::move(font),
-                                         scale);
+    field_ = std::make_unique<TextField>(text, TextField::place(textEdit_->at, root_->bounds(), scale),
+                                         std::move(font), scale);
     invalidate(field_->bounds());
 }
 

@@ -16,7 +16,8 @@ struct Modifiers {
 enum class MouseButton { left, middle, right };
 
 struct MouseEvent {
-    Point at; // pixels; of the surface where the window calls, of the view's own top left where a view is called
+    Point at; // pixels; of the surface where the window calls, of the view's own top left where a view is
+              // called
     MouseButton button = MouseButton::left; // of moves: the one that is held, if any
     Modifiers modifiers;
     int clicks = 1; // 2: the second press of a double click

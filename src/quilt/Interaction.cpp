@@ -227,7 +227,8 @@ void Interaction::updateCursor(Point at) {
     }
 }
 
-// The hint of the view under the mouse or of what it is in; views that let the mouse through have theirs, too.
+// The hint of the view under the mouse or of what it is in; views that let the mouse through have theirs,
+// too.
 void Interaction::updateHint() {
     const View* view = pressed_;
     if (view == nullptr && mouse_ && scope() != nullptr) {

@@ -1,5 +1,5 @@
-// Which view the mouse is over, which one it holds, which one has the keys, and what the variable `hint` says:
-// what goes on between an editor's surface and the hand. The editor calls it with the window's events.
+// Which view the mouse is over, which one it holds, which one has the keys, and what the variable `hint`
+// says: what goes on between an editor's surface and the hand. The editor calls it with the window's events.
 #pragma once
 
 #include "quilt/Geometry.h"

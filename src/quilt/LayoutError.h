@@ -14,7 +14,8 @@ inline std::string placeText(const Stackbrace::Position& position) {
     if (!position.sourceName.empty()) {
         text += position.sourceName + " ";
     }
-    return text + "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) + ")";
+    return text + "line " + std::to_string(position.line) + ", column " + std::to_string(position.column) +
+           ")";
 }
 
 class LayoutError : public std::runtime_error {

@@ -18,8 +18,8 @@ public:
     std::optional<bool> boolean() const;
     double number(double fallback) const;
 
-    // True when the value is another now. A text that cannot be expanded is empty; the document hears of it once
-    // and not again before it has worked.
+    // True when the value is another now. A text that cannot be expanded is empty; the document hears of it
+    // once and not again before it has worked.
     bool refresh(Document& document);
 
 private:

@@ -189,8 +189,8 @@ Properties::Properties(std::string_view type, const PropertyRows& rows, const St
     for (const auto& group : rows_) {
         for (const Property& needed : group) {
             if (needed.required && !has(needed.name)) {
-                throw LayoutError("Missing property of " + std::string(type_) + ": " + std::string(needed.name),
-                                  view_);
+                throw LayoutError(
+                    "Missing property of " + std::string(type_) + ": " + std::string(needed.name), view_);
             }
         }
     }
@@ -296,7 +296,9 @@ void Properties::check(const Property& row, const Stackbrace::Element& value) co
 
 std::string Properties::string(std::string_view name) const {
     const auto* const found = structure_.find(name);
-    return found == nullptr ? std::string(row(name).fallback) : found->empty() ? std::string() : found->string();
+    return found == nullptr ? std::string(row(name).fallback)
+           : found->empty() ? std::string()
+                            : found->string();
 }
 
 std::string Properties::raw(std::string_view name) const {

@@ -1,6 +1,6 @@
-// The properties of one view as its layout has them, checked against the rows of its type. Everything that can be
-// said about a value without drawing it is said here, when the view is built: an unknown property, a word that
-// is no number, a number out of range, each as a LayoutError with its place.
+// The properties of one view as its layout has them, checked against the rows of its type. Everything that
+// can be said about a value without drawing it is said here, when the view is built: an unknown property, a
+// word that is no number, a number out of range, each as a LayoutError with its place.
 //
 // The elements point into the layout's text; views copy what they keep.
 #pragma once
@@ -47,8 +47,8 @@ public:
     bool has(std::string_view name) const { return structure_.find(name) != nullptr; }
     Stackbrace::Element element(std::string_view name) const { return structure_[name]; }
 
-    // Every name has to be in the rows, with a fitting kind. What the layout leaves out reads as the fallback,
-    // or as 0, "" and the like where there is none.
+    // Every name has to be in the rows, with a fitting kind. What the layout leaves out reads as the
+    // fallback, or as 0, "" and the like where there is none.
     bool boolean(std::string_view name) const;
     std::int32_t integer(std::string_view name) const;
     double number(std::string_view name) const;

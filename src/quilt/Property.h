@@ -1,5 +1,5 @@
-// What a view type can be told in a layout: one row a property. The rows check what a layout says, supply what it
-// leaves out, and are printed as the reference of docs/quilt-views.md (`murmelon quilt types`).
+// What a view type can be told in a layout: one row a property. The rows check what a layout says, supply
+// what it leaves out, and are printed as the reference of docs/quilt-views.md (`murmelon quilt types`).
 #pragma once
 
 #include <limits>
@@ -12,12 +12,12 @@ enum class PropertyKind {
     condition, // meta-text that reads true or false once expanded
     integer,
     number,
-    level,   // meta-text that reads as a number once expanded
-    range,   // { FROM, TO }: two different numbers
-    offset,  // { X, Y } in units, down and to the right
-    align,   // left, center or right, top, middle or bottom: one word or one of each
-    choice,  // one of the words of `choices`
-    text,    // meta-text
+    level,  // meta-text that reads as a number once expanded
+    range,  // { FROM, TO }: two different numbers
+    offset, // { X, Y } in units, down and to the right
+    align,  // left, center or right, top, middle or bottom: one word or one of each
+    choice, // one of the words of `choices`
+    text,   // meta-text
     variable,
     color,
     colors,      // a list of colors

@@ -1,4 +1,5 @@
-// How many pixels a document unit has: a fraction, so that sizes come out the same wherever they are computed.
+// How many pixels a document unit has: a fraction, so that sizes come out the same wherever they are
+// computed.
 #pragma once
 
 #include "quilt/Geometry.h"

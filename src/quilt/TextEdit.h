@@ -10,8 +10,8 @@
 namespace Quilt {
 
 struct TextEdit {
-    std::string text;                  // what stands there at first
-    std::optional<Rectangle> at;       // the control that asks, in pixels of the surface
+    std::string text;                       // what stands there at first
+    std::optional<Rectangle> at;            // the control that asks, in pixels of the surface
     std::function<void(std::string)> typed; // called at most once: not when the user gives up
 };
 

@@ -28,15 +28,18 @@ bool isBlank(char16_t c) {
 } // namespace
 
 Rectangle TextField::place(const std::optional<Rectangle>& at, const Rectangle& surface, double scale) {
-    const auto pixels = [scale](double units) { return static_cast<std::int32_t>(std::lround(units * scale)); };
-    const Rectangle control =
-        at.value_or(Rectangle{surface.width / 2 - pixels(kFreeWidth) / 2, surface.height / 2, pixels(kFreeWidth), 0});
+    const auto pixels = [scale](double units) {
+        return static_cast<std::int32_t>(std::lround(units * scale));
+    };
+    const Rectangle control = at.value_or(
+        Rectangle{surface.width / 2 - pixels(kFreeWidth) / 2, surface.height / 2, pixels(kFreeWidth), 0});
     const std::int32_t width = std::min(std::max(control.width, pixels(kLeastWidth)), surface.width);
     // A field over a tall control, a knob, stands in its middle and does not hide all of it.
     const std::int32_t height = std::min(pixels(kLeastHeight), surface.height);
     const std::int32_t left = control.left + (control.width - width) / 2;
     const std::int32_t top = control.top + (control.height - height) / 2;
-    return {std::clamp(left, 0, surface.width - width), std::clamp(top, 0, surface.height - height), width, height};
+    return {std::clamp(left, 0, surface.width - width), std::clamp(top, 0, surface.height - height), width,
+            height};
 }
 
 TextField::TextField(std::string_view text, const Rectangle& bounds, std::shared_ptr<Images::TextFont> font,
@@ -98,7 +101,8 @@ void TextField::insert(std::u16string_view text) {
     erase(selectionStart(), selectionEnd());
     std::u16string line(text.substr(0, kLongest - std::min(kLongest, text_.size())));
     // One line it is, whatever is pasted.
-    std::ranges::replace_if(line, [](char16_t c) { return c < u' '; }, u' ');
+    std::ranges::replace_if(
+        line, [](char16_t c) { return c < u' '; }, u' ');
     text_.insert(caret_, line);
     moveTo(caret_ + line.size(), false);
 }
@@ -155,7 +159,10 @@ bool TextField::key(const KeyEvent& event, Desktop& desktop) {
                shift);
         return true;
     case Key::right:
-        moveTo(!shift && caret_ != anchor_ ? selectionEnd() : control ? wordFrom(caret_, false) : caret_ + 1, shift);
+        moveTo(!shift && caret_ != anchor_ ? selectionEnd()
+               : control                   ? wordFrom(caret_, false)
+                                           : caret_ + 1,
+               shift);
         return true;
     case Key::home:
     case Key::up:

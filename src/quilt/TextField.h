@@ -20,7 +20,8 @@ public:
     static constexpr std::size_t kLongest = 4096;
 
     // All of `text` is selected: typing replaces it. `scale`: pixels a unit.
-    TextField(std::string_view text, const Rectangle& bounds, std::shared_ptr<Images::TextFont> font, double scale);
+    TextField(std::string_view text, const Rectangle& bounds, std::shared_ptr<Images::TextFont> font,
+              double scale);
 
     // On `surface`, for a control at `at`: large enough to type in, and within it.
     static Rectangle place(const std::optional<Rectangle>& at, const Rectangle& surface, double scale);
@@ -45,7 +46,9 @@ public:
 private:
     std::size_t selectionStart() const { return caret_ < anchor_ ? caret_ : anchor_; }
     std::size_t selectionEnd() const { return caret_ < anchor_ ? anchor_ : caret_; }
-    std::u16string selected() const { return text_.substr(selectionStart(), selectionEnd() - selectionStart()); }
+    std::u16string selected() const {
+        return text_.substr(selectionStart(), selectionEnd() - selectionStart());
+    }
     void moveTo(std::size_t place, bool extend);
     void erase(std::size_t from, std::size_t to);
     double widthTo(std::size_t place) const;

@@ -15,7 +15,8 @@ namespace {
 double readNumber(std::string_view key, const Stackbrace::Element& value, double least, double most) {
     const auto number = wholeNumber(value.string());
     if (!number || *number < least || *number > most) {
-        throw LayoutError("Invalid " + std::string(key) + " of transition: " + std::string(value.raw()), value);
+        throw LayoutError("Invalid " + std::string(key) + " of transition: " + std::string(value.raw()),
+                          value);
     }
     return *number;
 }
@@ -49,7 +50,9 @@ Transition readTransition(const Stackbrace::Element& element, Transition::Direct
 
 Transition::Look Transition::look(std::chrono::milliseconds at) const {
     const double done =
-        time.count() == 0 ? 1 : std::clamp(static_cast<double>(at.count()) / static_cast<double>(time.count()), 0.0, 1.0);
+        time.count() == 0
+            ? 1
+            : std::clamp(static_cast<double>(at.count()) / static_cast<double>(time.count()), 0.0, 1.0);
     const double away = direction == Direction::incoming ? 1 - done : done;
     // The curve bends the way of the scale only: an even fade reads best.
     const double bent = std::pow(away, std::exp2(2 * scaleCurve));

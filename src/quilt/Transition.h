@@ -21,10 +21,10 @@ struct Transition {
     std::string raw; // as the document has it; empty: there is none, changes show at once
     Direction direction = Direction::incoming;
     std::chrono::milliseconds time{0};
-    double scale = 1;       // at the far end
-    double scaleCurve = 0;  // -1 to 1: above 0 the movement is fast away from its near end, below 0 slow
-    double opacity = 1;     // at the far end
-    bool restart = false;   // a change of direction on the way begins anew instead of turning round
+    double scale = 1;      // at the far end
+    double scaleCurve = 0; // -1 to 1: above 0 the movement is fast away from its near end, below 0 slow
+    double opacity = 1;    // at the far end
+    bool restart = false;  // a change of direction on the way begins anew instead of turning round
 
     // `at` after the start, which may be past the end.
     Look look(std::chrono::milliseconds at) const;
@@ -39,8 +39,8 @@ struct Transitions {
     std::string defaultRaw;
 };
 
-// Of the structure under `transitions`: what is absent falls back, open and close to default, swapIn and swapOut
-// to open and close. Throws LayoutError, or what Stackbrace throws.
+// Of the structure under `transitions`: what is absent falls back, open and close to default, swapIn and
+// swapOut to open and close. Throws LayoutError, or what Stackbrace throws.
 Transitions readTransitions(const Stackbrace::Element& element);
 
 } // namespace Quilt

@@ -34,7 +34,7 @@ std::string Variables::get(std::string_view name) const {
         return *std::move(value);
     }
     throw std::runtime_error(snapshotUsed_ ? "Inconsistent variable access"
-                                       : "Unknown variable: " + std::string(name));
+                                           : "Unknown variable: " + std::string(name));
 }
 
 void Variables::set(std::string_view name, std::string_view value) {

@@ -1,5 +1,5 @@
-// All variables that an editor's documents see: the provider's, and those that only the framework knows, which
-// the documents create by writing them.
+// All variables that an editor's documents see: the provider's, and those that only the framework knows,
+// which the documents create by writing them.
 //
 // Writes can be held back, while a document is being built or its views look at the variables: then they are
 // queued and carried out, in their order, when the last hold ends. While an update is on, each variable is
@@ -36,13 +36,14 @@ public:
 
     std::uint64_t changeCount() const;
 
-    // Holds nest. When the last one ends, what was queued is written; what a write throws goes to `failed` and
-    // does not stop the next.
+    // Holds nest. When the last one ends, what was queued is written; what a write throws goes to `failed`
+    // and does not stop the next.
     using Failed = std::function<void(const std::exception&)>;
     void hold() { ++holds_; }
     void release(const Failed& failed);
 
-    // Without `consistent` variables are read as they are: for views that are new and may ask for what nobody has.
+    // Without `consistent` variables are read as they are: for views that are new and may ask for what nobody
+    // has.
     void beginUpdate(bool consistent = true);
     void endUpdate(const Failed& failed);
 

@@ -11,7 +11,8 @@ namespace Quilt {
 namespace {
 
 // In the order of the enumeration.
-constexpr std::string_view kCursors[] = {"arrow", "hand", "text", "vertical", "horizontal", "move", "cross", "forbidden"};
+constexpr std::string_view kCursors[] = {"arrow",      "hand", "text",  "vertical",
+                                         "horizontal", "move", "cross", "forbidden"};
 
 } // namespace
 

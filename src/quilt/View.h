@@ -1,9 +1,9 @@
-// One rectangle of a layout's view tree: what is drawn there and how it answers to the mouse and the keys. Every
-// view type of the framework derives from it, and so do those that others register (ViewFactory.h).
+// One rectangle of a layout's view tree: what is drawn there and how it answers to the mouse and the keys.
+// Every view type of the framework derives from it, and so do those that others register (ViewFactory.h).
 //
-// A view belongs to one document and lives until that is loaded anew or closed. Its bounds are pixels, relative
-// to its parent's top left. What it is made of it reads from its properties in its constructor; what it shows
-// of variables it reads in refresh(). Drawing changes nothing that anybody could see.
+// A view belongs to one document and lives until that is loaded anew or closed. Its bounds are pixels,
+// relative to its parent's top left. What it is made of it reads from its properties in its constructor; what
+// it shows of variables it reads in refresh(). Drawing changes nothing that anybody could see.
 #pragma once
 
 #include "quilt/Geometry.h"
@@ -25,8 +25,8 @@ namespace Quilt {
 
 class Document;
 
-// Where a view stands while it is drawn. The canvas's target may be a part of the surface, the part that is out
-// of date, or a layer: `origin` is the view's top left on it, and may lie outside.
+// Where a view stands while it is drawn. The canvas's target may be a part of the surface, the part that is
+// out of date, or a layer: `origin` is the view's top left on it, and may lie outside.
 struct DrawContext {
     Drawing::Canvas& canvas;
     Point origin;
@@ -78,8 +78,9 @@ public:
     // Whether the mouse and the keys are for this view, and what is in it, alone.
     virtual bool modal() const { return false; }
 
-    // Points are relative to the view. A view that was pressed gets all moves until the release, wherever they
-    // are, and then `released`; when the gesture is taken from it (escape, a reload), `cancelled` instead.
+    // Points are relative to the view. A view that was pressed gets all moves until the release, wherever
+    // they are, and then `released`; when the gesture is taken from it (escape, a reload), `cancelled`
+    // instead.
     virtual void pressed(const MouseEvent& event) { static_cast<void>(event); }
     virtual void dragged(const MouseEvent& event) { static_cast<void>(event); }
     virtual void released(const MouseEvent& event) { static_cast<void>(event); }
@@ -106,8 +107,8 @@ public:
     }
     virtual std::string hint() const { return hint_.value(); }
 
-    // Variables, or texts and actions that depend on some, may have changed: the view compares what it shows and
-    // invalidates itself. Overriders call their base's. Must not write variables.
+    // Variables, or texts and actions that depend on some, may have changed: the view compares what it shows
+    // and invalidates itself. Overriders call their base's. Must not write variables.
     virtual void refresh();
 
     // Called after each update, when variables can be written again.

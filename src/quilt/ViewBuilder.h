@@ -1,5 +1,5 @@
-// Makes views from their structures in a layout. A view that cannot be made is left out with all within it: the
-// document reports why, and the rest of the surface works.
+// Makes views from their structures in a layout. A view that cannot be made is left out with all within it:
+// the document reports why, and the rest of the surface works.
 #pragma once
 
 #include "notation/Document.h"

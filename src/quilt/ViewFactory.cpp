@@ -14,7 +14,8 @@ using enum PropertyKind;
 
 constexpr Property kCommon[] = {
     {"type", text, "", "The view type.", "", 0, 0, true},
-    {"bounds", params, "{ 0, 0, $, $ }", "Left, top, width and height, in units: expressions over the enclosing area."},
+    {"bounds", params, "{ 0, 0, $, $ }",
+     "Left, top, width and height, in units: expressions over the enclosing area."},
     {"visible", condition, "true", "Whether the view, and all within it, is there."},
     {"hint", text, "", "What the variable `hint` says while the mouse is over the view."},
     {"cursor", choice, "", "The mouse's shape over the view, in place of its type's own.",
@@ -24,9 +25,7 @@ constexpr Property kCommon[] = {
 void appendRows(std::string& text, std::span<const Property> rows) {
     for (const Property& row : rows) {
         text += "| `" + std::string(row.name) + "` | " + std::string(kindText(row.kind)) + " | ";
-        text += row.required           ? "required"
-                : row.fallback.empty() ? ""
-                                       : "`" + std::string(row.fallback) + "`";
+        text += row.required ? "required" : row.fallback.empty() ? "" : "`" + std::string(row.fallback) + "`";
         text += " | " + std::string(row.about);
         if (!row.choices.empty()) {
             text += " One of";
@@ -64,18 +63,19 @@ const ViewType* ViewFactory::find(std::string_view name) const {
 ViewFactory standardViews() {
     ViewFactory views;
     for (const auto& type :
-         {animationType, bubbleType,   buttonType, captionType, clickType,  clusterType,   consoleType,
-          dragAreaType,  gradientType, groupType,  knobType,    markerType, pagedType,     quiltType,
-          rasterType,    rectangleType, sliderType, transformedType, vectorType}) {
+         {animationType, bubbleType, buttonType, captionType, clickType, clusterType, consoleType,
+          dragAreaType, gradientType, groupType, knobType, markerType, pagedType, quiltType, rasterType,
+          rectangleType, sliderType, transformedType, vectorType}) {
         views.add(type());
     }
     return views;
 }
 
 std::string viewReference(const ViewFactory& views) {
-    std::string text = "# Views\n\nMade by `murmelon quilt types`; docs/quilt.md says what they have in common.\n\n"
-                       "## All views\n\n" +
-                       std::string(kTableHead);
+    std::string text =
+        "# Views\n\nMade by `murmelon quilt types`; docs/quilt.md says what they have in common.\n\n"
+        "## All views\n\n" +
+        std::string(kTableHead);
     appendRows(text, kCommon);
     for (const ViewType& type : views.types()) {
         text += "\n## " + std::string(type.name) + "\n\n" + std::string(type.about) + "\n";

@@ -1,5 +1,5 @@
-// The view types that layouts can name. The framework has its own (standardViews); whoever runs an editor adds what
-// belongs to the program:
+// The view types that layouts can name. The framework has its own (standardViews); whoever runs an editor
+// adds what belongs to the program:
 //
 //   ViewFactory views = standardViews();
 //   views.add({"midiAssign", "Shows and edits ...", {kMidiAssignRows}, make<MidiAssign>});

@@ -1,5 +1,5 @@
-// The layouts that the command reads: a file, and what it names in turn: resources of the plug-in or of a folder, then
-// files beside it.
+// The layouts that the command reads: a file, and what it names in turn: resources of the plug-in or of a
+// folder, then files beside it.
 #pragma once
 
 #include "quilt/DocumentSource.h"

@@ -16,7 +16,9 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -55,9 +57,9 @@ Json json(const std::optional<std::chrono::milliseconds>& time) {
 }
 
 Json json(const Quilt::Autoexec& autoexec) {
-    return {{"action", autoexec.action},         {"params", autoexec.params},
-            {"delay", json(autoexec.delay)},     {"repeat", json(autoexec.repeat)},
-            {"onChanged", autoexec.onChanged},   {"onReload", autoexec.onReload},
+    return {{"action", autoexec.action},       {"params", autoexec.params},
+            {"delay", json(autoexec.delay)},   {"repeat", json(autoexec.repeat)},
+            {"onChanged", autoexec.onChanged}, {"onReload", autoexec.onReload},
             {"onClose", autoexec.onClose}};
 }
 
@@ -79,12 +81,9 @@ Json json(const Quilt::Editor& editor, const std::vector<std::string>& errors) {
     for (const auto& [source, target] : document.translations()) {
         translations[source] = target;
     }
-    return {{"bounds", json(document.bounds())},
-            {"views", json(*editor.root())["children"]},
-            {"autoexecs", std::move(autoexecs)},
-            {"transitions", json(document.transitions())},
-            {"translations", std::move(translations)},
-            {"errors", errors}};
+    return {{"bounds", json(document.bounds())},       {"views", json(*editor.root())["children"]},
+            {"autoexecs", std::move(autoexecs)},       {"transitions", json(document.transitions())},
+            {"translations", std::move(translations)}, {"errors", errors}};
 }
 
 void setVariables(Quilt::Variables& variables, const std::vector<std::string>& assignments) {
@@ -103,7 +102,8 @@ Quilt::Rectangle areaOf(const LoadOptions& options) {
 
 void failWithErrors(std::size_t count) {
     if (count > 0) {
-        throw std::runtime_error(fmt::format("{} in the document", count == 1 ? "1 error" : fmt::format("{} errors", count)));
+        throw std::runtime_error(
+            fmt::format("{} in the document", count == 1 ? "1 error" : fmt::format("{} errors", count)));
     }
 }
 
@@ -121,7 +121,8 @@ void load(const LoadOptions& options) {
     SilentDesktop desktop;
     // Pictures, too, may stand beside the document.
     const auto folder = std::filesystem::path(options.file).parent_path();
-    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder), [](std::string_view line) { std::cerr << line << '\n'; });
+    Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder),
+                                [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
         {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
@@ -150,18 +151,49 @@ struct SnapshotOptions {
     std::string scale = "1/1";
     std::vector<std::string> variables;
     std::string resources;
+    double tone = 0;
 };
+
+// A second of a tone with all harmonics, for what shows the sound that goes through.
+void sound(Shell::EffectInstance& effect, double frequency) {
+    constexpr int kBlock = 512;
+    constexpr float kLevel = 0.25f;
+    const double rate = effect.audio().sampleRate();
+    double phase = 0;
+    for (double left = rate; left > 0; left -= kBlock) {
+        std::array<float, kBlock> wave{};
+        for (float& sample : wave) {
+            sample = kLevel * static_cast<float>(2 * phase - 1);
+            phase = std::fmod(phase + frequency / rate, 1.0);
+        }
+        const std::array<const float*, 2> in = {wave.data(), wave.data()};
+        std::array<std::array<float, kBlock>, 2> output;
+        const std::array<float*, 2> out = {output[0].data(), output[1].data()};
+        Shell::AudioBuffers buffers;
+        buffers.in = in.data();
+        buffers.out = out.data();
+        buffers.samples = kBlock;
+        effect.process(buffers);
+    }
+    effect.idle();
+}
 
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
-    const Resources::Lookup resources = options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+    const Resources::Lookup resources =
+        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
+    if (options.tone > 0) {
+        sound(effect.effect(), options.tone);
+    }
+
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
     const auto views = allViews(effect);
     LeapingClock clock;
     SilentDesktop desktop;
-    Quilt::Editor editor({documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
+    Quilt::Editor editor(
+        {documents, views, images, desktop, desktop, clock, &effect.bridge(), &effect.bridge()});
     editor.variables().set("uiScale", Quilt::Scale::fromText(options.scale).text());
     // Before, for what loading depends on; and after, for what the document sets to begin with.
     setVariables(editor.variables(), options.variables);
@@ -205,13 +237,18 @@ void addQuiltCommand(CLI::App& program) {
     loading->callback([options] { load(*options); });
 
     const auto picture = std::make_shared<SnapshotOptions>();
-    auto* const drawing = quilt->add_subcommand("snapshot", "Draws a layout document, with an effect behind it, as PNG");
+    auto* const drawing =
+        quilt->add_subcommand("snapshot", "Draws a layout document, with an effect behind it, as PNG");
     drawing->add_option("DOCUMENT", picture->document, "The name of a resource, or a file")->required();
     drawing->add_option("OUT", picture->output, "The picture")->required();
     drawing->add_option("--scale", picture->scale, "Pixels a unit, as N/D")->capture_default_str();
-    drawing->add_option("--set", picture->variables, "NAME=VALUE: a variable's value")->expected(1)->take_all();
+    drawing->add_option("--set", picture->variables, "NAME=VALUE: a variable's value")
+        ->expected(1)
+        ->take_all();
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
+    drawing->add_option("--tone", picture->tone, "A second of a tone of so many Hz goes through the effect first")
+        ->check(CLI::Range(20.0, 10000.0));
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {

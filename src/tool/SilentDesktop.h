@@ -1,4 +1,5 @@
-// The desktop and the window of layouts that are loaded where nobody looks: messages are noted, nothing is chosen.
+// The desktop and the window of layouts that are loaded where nobody looks: messages are noted, nothing is
+// chosen.
 #pragma once
 
 #include "quilt/Desktop.h"
@@ -17,7 +18,8 @@ public:
     // The texts of errors as their boxes would show them.
     const std::vector<std::string>& errors() const { return errors_; }
 
-    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> answer) override {
+    void showMessage(const Quilt::Message& message,
+                     std::function<void(Quilt::MessageButton)> answer) override {
         if (std::exchange(errorComes_, false)) {
             errors_.push_back(message.text);
         } else {

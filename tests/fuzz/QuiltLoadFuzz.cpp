@@ -1,5 +1,5 @@
-// Any text is a layout document: it is loaded, lives for a while, is loaded anew at another scale and closed. Names of
-// documents in it lead back to the text itself.
+// Any text is a layout document: it is loaded, lives for a while, is loaded anew at another scale and closed.
+// Names of documents in it lead back to the text itself.
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
@@ -27,7 +27,8 @@ struct Documents : Quilt::DocumentSource {
 struct Surroundings : Quilt::Desktop, Quilt::EditorHost, Quilt::Clock {
     std::chrono::milliseconds time{0};
 
-    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> answer) override {
+    void showMessage(const Quilt::Message& message,
+                     std::function<void(Quilt::MessageButton)> answer) override {
         if (message.defaultButton >= message.buttons.size()) {
             std::abort();
         }
@@ -56,8 +57,8 @@ void check(const Quilt::View& view) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // A document that shows itself twice has a million views on its twentieth level: the size of a text bounds
-    // what is read of it, not how often.
+    // A document that shows itself twice has a million views on its twentieth level: the size of a text
+    // bounds what is read of it, not how often.
     constexpr std::size_t kLongest = 4096;
     if (size > kLongest) {
         return 0;

@@ -38,27 +38,37 @@ TEST(BuiltInActions, WriteVariablesOrSayWhatIsWrong) {
         {"assign", "{ variable: v, value: a, sourceVariable: w }", "old", "Invalid assign params"},
         {"assign", "{ variable: v }", "old", "Invalid assign params"},
         {"assign", "{ variable: v, sourceVariable: no }", "old", "Unknown variable: no"},
-        {"batch", "{ { action: set, params: { variable: v, value: 1 } }, { action: set, params: { variable: v, value: "
-                  "\"[var]v[/var][var]v[/var]\" } } }",
+        {"batch",
+         "{ { action: set, params: { variable: v, value: 1 } }, { action: set, params: { variable: v, value: "
+         "\"[var]v[/var][var]v[/var]\" } } }",
          "11"},
-        {"batch", "{ { action: set, params: { variable: v, value: 1 } }, { action: fail }, { action: set, params: { "
-                  "variable: v, value: 2 } } }",
+        {"batch",
+         "{ { action: set, params: { variable: v, value: 1 } }, { action: fail }, { action: set, params: { "
+         "variable: v, value: 2 } } }",
          "1", "Failed as told"},
         {"batch", "{ action: set }", "old", "Invalid batch element"},
         {"batch", "{ { params: 1 } }", "old", "Invalid batch element"},
         {"batch", "", "old"},
-        {"switch", "{ variable: n, cases: { { sameAs: 6, value: six }, { sameAs: 7, action: set, params: { variable: v, "
-                   "value: seven } } } }",
+        {"switch",
+         "{ variable: n, cases: { { sameAs: 6, value: six }, { sameAs: 7, action: set, params: { variable: "
+         "v, "
+         "value: seven } } } }",
          "seven"},
-        {"switch", "{ variable: n, cases: { { differsFrom: 6, action: set, params: { variable: v, value: other } } } }",
+        {"switch",
+         "{ variable: n, cases: { { differsFrom: 6, action: set, params: { variable: v, value: other } } } }",
          "other"},
-        {"switch", "{ variable: n, cases: { { differsFrom: 7, action: fail } }, default: { action: set, params: { "
-                   "variable: v, value: none } } }",
+        {"switch",
+         "{ variable: n, cases: { { differsFrom: 7, action: fail } }, default: { action: set, params: { "
+         "variable: v, value: none } } }",
          "none"},
-        {"switch", "{ variable: n, cases: { 6: { action: fail }, 7: { action: set, params: { variable: v, value: 77 } } } }",
+        {"switch",
+         "{ variable: n, cases: { 6: { action: fail }, 7: { action: set, params: { variable: v, value: 77 } "
+         "} } }",
          "77"},
         {"switch", "{ variable: v, cases: { on: { value: off } }, default: { value: on } }", "on"},
-        {"switch", "{ variable: n, cases: { { sameAs: \"[var]n[/var]\", action: set, params: { variable: v, value: same } } } }",
+        {"switch",
+         "{ variable: n, cases: { { sameAs: \"[var]n[/var]\", action: set, params: { variable: v, value: "
+         "same } } } }",
          "same"},
         {"switch", "{ variable: n }", "old"},
         {"switch", "{ cases: {} }", "old", "Invalid switch params"},
@@ -68,14 +78,18 @@ TEST(BuiltInActions, WriteVariablesOrSayWhatIsWrong) {
         {"execute", "{ actionVariable: unknown }", "old"},
         {"execute", "{ params: {} }", "old", "Invalid execute params"},
         {"execute", "set", "old", "Invalid execute params"},
-        {"execute", "{ actionVariable: loop, paramsVariable: self }", "old", "Action recursion limit exceeded"},
+        {"execute", "{ actionVariable: loop, paramsVariable: self }", "old",
+         "Action recursion limit exceeded"},
         {"assert", "{ action: on, checked: true, enabled: true }", "old"},
         {"assert", "{ action: set, params: { variable: v, value: old }, checked: true }", "old"},
         {"assert", "{ action: off, params: { a: 1 }, enabled: true }", "old",
          "Quilt assertion failed: action off with params { a: 1 } is enabled"},
-        {"assert", "{ action: note, enabled: false }", "old", "Quilt assertion failed: action note is not enabled"},
-        {"assert", "{ action: note, checked: true }", "old", "Quilt assertion failed: action note is checked"},
-        {"assert", "{ action: on, checked: false }", "old", "Quilt assertion failed: action on is not checked"},
+        {"assert", "{ action: note, enabled: false }", "old",
+         "Quilt assertion failed: action note is not enabled"},
+        {"assert", "{ action: note, checked: true }", "old",
+         "Quilt assertion failed: action note is checked"},
+        {"assert", "{ action: on, checked: false }", "old",
+         "Quilt assertion failed: action on is not checked"},
         {"assert", "{ action: on }", "old", "Invalid assert params"},
         {"assert", "", "old", "Invalid assert params"},
         {"alert", "{ type: oops, text: a }", "old", "Invalid alert type"},
@@ -90,8 +104,12 @@ TEST(BuiltInActions, WriteVariablesOrSayWhatIsWrong) {
         Rig rig;
         rig.open("");
         auto& variables = rig.editor.variables();
-        for (const auto& [name, value] : {std::pair("v", "old"), {"w", " Gruss 5 "}, {"n", "7"}, {"act", "set"},
-                                          {"par", "{ variable: v, value: stored }"}, {"loop", "execute"},
+        for (const auto& [name, value] : {std::pair("v", "old"),
+                                          {"w", " Gruss 5 "},
+                                          {"n", "7"},
+                                          {"act", "set"},
+                                          {"par", "{ variable: v, value: stored }"},
+                                          {"loop", "execute"},
                                           {"self", "{ actionVariable: loop, paramsVariable: self }"},
                                           {"meta", "[var]w[/var]"}}) {
             variables.set(name, value);
@@ -101,8 +119,8 @@ TEST(BuiltInActions, WriteVariablesOrSayWhatIsWrong) {
         if (c.error == nullptr) {
             EXPECT_THAT(rig.desktop.messages, IsEmpty()) << c.action << " " << c.params;
         } else {
-            EXPECT_THAT(rig.desktop.messages,
-                        ElementsAre(std::string("Error performing action ") + c.action + ":\n\n" + c.error + "."));
+            EXPECT_THAT(rig.desktop.messages, ElementsAre(std::string("Error performing action ") + c.action +
+                                                          ":\n\n" + c.error + "."));
         }
     }
 }
@@ -113,7 +131,8 @@ TEST(BuiltInActions, HandTheHandlerExpandedParams) {
     rig.editor.variables().set("name", "say \"hi\"");
     rig.editor.variables().set("number", "144");
     rig.perform("note", "{ message: { [var]number[/var], 60 }, name: \"[var]name[/var]\" }");
-    EXPECT_THAT(rig.actions.performed, ElementsAre("note { message: { 144, 60 }, name: \"say \\\"hi\\\"\" }"));
+    EXPECT_THAT(rig.actions.performed,
+                ElementsAre("note { message: { 144, 60 }, name: \"say \\\"hi\\\"\" }"));
 }
 
 TEST(BuiltInActions, TellTheirStates) {
@@ -132,7 +151,8 @@ TEST(BuiltInActions, TellTheirStates) {
         {"batch", "{ { action: on }, { action: note, ignoreChecked: true } }", true, true},
         {"batch", "{ { action: on, ignoreChecked: true } }", true, false},
         {"batch", "{ { action: off }, { action: on } }", false, false},
-        {"batch", "{ { action: on }, { action: off, ignoreEnabled: true, ignoreChecked: true } }", true, true},
+        {"batch", "{ { action: on }, { action: off, ignoreEnabled: true, ignoreChecked: true } }", true,
+         true},
         {"switch", "{ variable: v, cases: { 1: { action: off } }, default: { action: on } }", false, false},
         {"switch", "{ variable: v, cases: { 2: { action: off } }, default: { action: on } }", true, true},
         {"switch", "{ variable: v, cases: { 2: { action: off } } }", true, false},
@@ -155,8 +175,10 @@ TEST(BuiltInActions, AskAndReact) {
     Rig rig;
     rig.open("translations: { sure: \"Wirklich?\" }");
     rig.desktop.button = no;
-    rig.perform("alert", "{ type: question, text: \"[xlate]sure[/xlate]\", buttons: \"yes no cancel\", default: cancel, "
-                         "variable: answer, reactions: { no: { action: note, params: refused }, yes: { action: fail } } }");
+    rig.perform(
+        "alert",
+        "{ type: question, text: \"[xlate]sure[/xlate]\", buttons: \"yes no cancel\", default: cancel, "
+        "variable: answer, reactions: { no: { action: note, params: refused }, yes: { action: fail } } }");
     ASSERT_EQ(rig.desktop.boxes.size(), 1U);
     const auto& box = rig.desktop.boxes[0];
     EXPECT_EQ(box.text, "Wirklich?");
@@ -176,7 +198,8 @@ TEST(BuiltInActions, PopUpMenus) {
     rig.editor.variables().set("v", "b");
     const char* const params =
         "{ items: { { caption: First, action: set, params: { variable: v, value: a } }, -, "
-        "{ caption: More, items: { { caption: \"is [var]v[/var]\", action: set, params: { variable: v, value: b } }, "
+        "{ caption: More, items: { { caption: \"is [var]v[/var]\", action: set, params: { variable: v, "
+        "value: b } }, "
         "{ caption: Never, action: off } } } }, storeAction: act, storeParams: par, storeCaption: cap }";
     rig.perform("popup", params);
     ASSERT_EQ(rig.desktop.menu.size(), 3U);
@@ -218,16 +241,16 @@ TEST(BuiltInActions, EditVariables) {
 TEST(BuiltInActions, LaunchOnlyAddresses) {
     Rig rig;
     rig.open("");
-    for (const char* const good : {"http://a.b/c?d=e&f#g", "https://a", "telnet://a:23", "\"file:///tmp/a%20b\"",
-                                   "{ address: \"https://x\" }"}) {
+    for (const char* const good : {"http://a.b/c?d=e&f#g", "https://a", "telnet://a:23",
+                                   "\"file:///tmp/a%20b\"", "{ address: \"https://x\" }"}) {
         rig.perform("launch", good);
     }
     EXPECT_THAT(rig.desktop.launched, ElementsAre("http://a.b/c?d=e&f#g", "https://a", "telnet://a:23",
                                                   "file:///tmp/a%20b", "https://x"));
     EXPECT_THAT(rig.desktop.messages, IsEmpty());
     rig.desktop.launched.clear();
-    for (const char* const bad : {"", "ftp://a", "HTTP://a", "javascript:alert(1)", "/bin/sh", "\" http://a\"",
-                                  "\"http://a\\nb\"", "\"http://a b\"", "-http://a"}) {
+    for (const char* const bad : {"", "ftp://a", "HTTP://a", "javascript:alert(1)", "/bin/sh",
+                                  "\" http://a\"", "\"http://a\\nb\"", "\"http://a b\"", "-http://a"}) {
         rig.desktop.messages.clear();
         rig.perform("launch", bad);
         ASSERT_EQ(rig.desktop.messages.size(), 1U) << bad;

@@ -37,7 +37,8 @@ TEST(Autoexecs, RunAtLoadInOrderAndAgainAtReload) {
 TEST(Autoexecs, AskAtTheFirstLoad) {
     Rig rig;
     rig.open("views: { { type: caption, text: \"[var]answer[/var]\" } }\n" +
-             autoexecs({"{ action: alert, params: { text: sure, variable: answer } }", note("[var]answer[/var]")}));
+             autoexecs(
+                 {"{ action: alert, params: { text: sure, variable: answer } }", note("[var]answer[/var]")}));
     EXPECT_THAT(rig.desktop.messages, ElementsAre("sure"));
     EXPECT_THAT(rig.actions.take(), ElementsAre("note ok"));
 }
@@ -69,7 +70,8 @@ TEST(Autoexecs, RunByTime) {
     rig.perform("reload", "");
     rig.actions.take();
     rig.pass(1);
-    EXPECT_THAT(rig.actions.take(), ElementsAre()) << "timers have been started anew by the reload's own tick";
+    EXPECT_THAT(rig.actions.take(), ElementsAre())
+        << "timers have been started anew by the reload's own tick";
 }
 
 TEST(Autoexecs, ConvertTimesToWholeMilliseconds) {
@@ -85,8 +87,9 @@ TEST(Autoexecs, ConvertTimesToWholeMilliseconds) {
 TEST(Autoexecs, RunWhenAVariableChanges) {
     Rig rig;
     rig.provider.values["params.pitch"] = "0.5";
-    rig.open(autoexecs({note("changed", ", onChanged: { params.pitch, other }"),
-                        "{ action: set, params: { variable: own, value: 1 } }", note("own", ", onChanged: own")}));
+    rig.open(
+        autoexecs({note("changed", ", onChanged: { params.pitch, other }"),
+                   "{ action: set, params: { variable: own, value: 1 } }", note("own", ", onChanged: own")}));
     EXPECT_THAT(rig.actions.take(), ElementsAre("note own")) << "own was written after it was watched";
     rig.editor.tick();
     EXPECT_THAT(rig.actions.take(), IsEmpty());
@@ -132,7 +135,8 @@ TEST(Autoexecs, OfNestedDocuments) {
 TEST(Errors, WaitInAQueueOfFour) {
     Rig rig;
     rig.desktop.wait = true;
-    rig.open(autoexecs({"{ action: a }", "{ action: b }", "{ action: c }", "{ action: d }", "{ action: e }"}));
+    rig.open(
+        autoexecs({"{ action: a }", "{ action: b }", "{ action: c }", "{ action: d }", "{ action: e }"}));
     EXPECT_THAT(rig.desktop.messages, ElementsAre("Error performing action a:\n\nUnrecognized action: a."));
     EXPECT_THAT(rig.host.logged,
                 ElementsAre("Error queue overflow: Error performing action e Unrecognized action: e",
@@ -156,7 +160,8 @@ TEST(Errors, AreTranslatedAndTakenByTheHost) {
         }
     } host;
     Rig rig;
-    Quilt::Editor editor({rig.documents, rig.views, rig.images, rig.desktop, host, rig.clock, &rig.provider, &rig.actions});
+    Quilt::Editor editor(
+        {rig.documents, rig.views, rig.images, rig.desktop, host, rig.clock, &rig.provider, &rig.actions});
     rig.documents.texts["t"] = "translations: { Quatsch: nonsense }";
     editor.open("t", {0, 0, 9, 9});
     const struct {
@@ -195,11 +200,10 @@ TEST(Errors, ThatCannotBeShownAreLogged) {
     Quilt::Editor editor({rig.documents, rig.views, rig.images, desktop, rig.host, rig.clock});
     rig.documents.texts["t"] = "autoexecs: { { action: a }, { action: b } }";
     editor.open("t", {0, 0, 9, 9});
-    EXPECT_THAT(rig.host.logged,
-                ElementsAre("Error: Error performing action a Unrecognized action: a.",
-                            "Exception while handling error",
-                            "Error: Error performing action b Unrecognized action: b.",
-                            "Exception while handling error"));
+    EXPECT_THAT(rig.host.logged, ElementsAre("Error: Error performing action a Unrecognized action: a.",
+                                             "Exception while handling error",
+                                             "Error: Error performing action b Unrecognized action: b.",
+                                             "Exception while handling error"));
 }
 
 } // namespace

@@ -49,7 +49,8 @@ struct Desktop : Quilt::Desktop {
     Strings launched;
     std::optional<std::string> clipboard;
 
-    void showMessage(const Quilt::Message& message, std::function<void(Quilt::MessageButton)> answer) override {
+    void showMessage(const Quilt::Message& message,
+                     std::function<void(Quilt::MessageButton)> answer) override {
         messages.push_back(message.text);
         boxes.push_back(message);
         if (wait) {
@@ -130,7 +131,8 @@ struct Actions : Quilt::ActionHandler {
         }
         performed.push_back(std::string(action) + (params.empty() ? "" : " ") + std::string(params));
     }
-    Quilt::ActionState state(std::string_view action, std::string_view, const Quilt::ActionContext&) const override {
+    Quilt::ActionState state(std::string_view action, std::string_view,
+                             const Quilt::ActionContext&) const override {
         return {action != "off", action == "on"};
     }
     Strings take() { return std::exchange(performed, {}); }

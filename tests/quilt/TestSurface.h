@@ -15,9 +15,10 @@ namespace TestEditor {
 struct SurfaceRig : Rig {
     Drawing::Surface surface;
 
-    explicit SurfaceRig(const std::string& shown, const std::string& more = {}, const std::string& scale = "1/1") {
-        provider.values = {{"v", "0.5"}, {"w", "0"}, {"v.text", "0.50"}, {"page", "a"}, {"flag", "true"}, {"locked", "0"},
-                           {"uiScale", scale}};
+    explicit SurfaceRig(const std::string& shown, const std::string& more = {},
+                        const std::string& scale = "1/1") {
+        provider.values = {{"v", "0.5"},     {"w", "0"},      {"v.text", "0.50"}, {"page", "a"},
+                           {"flag", "true"}, {"locked", "0"}, {"uiScale", scale}};
         open("bounds: { 0, 0, 40, 40 } views: { " + shown + " } " + more);
     }
 

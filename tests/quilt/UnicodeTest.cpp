@@ -16,9 +16,13 @@ TEST(Unicode, ReadsUtf8AndTakesOtherBytesAsTheyAre) {
         {"abc", u"abc"},
         {"\xC3\xBC\xE2\x82\xAC", u"ü€"},
         {"\xF0\x9D\x84\x9E", u"\xD834\xDD1E"},
-        {"\xFC" "b", u"\x00FC" u"b", false},       // Latin-1
-        {"\xC3", u"\x00C3", false},                // cut off
-        {"\xC0\xAF", u"\x00C0\x00AF", false},      // longer than need be
+        {"\xFC"
+         "b",
+         u"\x00FC"
+         u"b",
+         false},                                        // Latin-1
+        {"\xC3", u"\x00C3", false},                     // cut off
+        {"\xC0\xAF", u"\x00C0\x00AF", false},           // longer than need be
         {"\xED\xA0\x80", u"\x00ED\x00A0\x0080", false}, // half of a pair
     };
     for (const Case& c : cases) {

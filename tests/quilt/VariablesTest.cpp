@@ -77,7 +77,8 @@ TEST(Variables, UiScaleLoadsAnewEvenWhenItStays) {
     rig.provider.values["uiScale"] = "1/1";
     rig.open("bounds: { 0, 0, 470, 320 }, autoexecs: { { action: note } }");
     EXPECT_EQ(rig.host.width, 470);
-    for (const auto& [scale, width] : {std::pair("1/1", 470), {"5/4", 587}, {"5/4", 587}, {"nonsense", 470}, {"9/1", 470}}) {
+    for (const auto& [scale, width] :
+         {std::pair("1/1", 470), {"5/4", 587}, {"5/4", 587}, {"nonsense", 470}, {"9/1", 470}}) {
         rig.actions.take();
         rig.perform("set", std::string("{ variable: uiScale, value: \"") + scale + "\" }");
         EXPECT_THAT(rig.actions.performed, ElementsAre("note"));

@@ -29,18 +29,22 @@ std::string compact(const std::string& json) {
 
 TEST_F(QuiltCommand, PrintsWhatWasBuilt) {
     write("parts", "@define wide = w-35\n");
-    write("a.quilt", "@include parts\n"
-                     "bounds: { 0, 0, 470, 320 }\n"
-                     "views: { { type: group, bounds: { @wide, 1, 34, 16 }, views: { { type: knob, variable: a } } } }\n"
-                     "autoexecs: { { action: set, onReload: false, params: { variable: v, value: \"x\" } }\n"
-                     " { action: set, params: { variable: [var]name[/var], value: 1 }, repeat: 0.25 }\n"
-                     " { action: set, onChanged: { v, w }, onClose: true } }\n"
-                     "transitions: { default: { time: 0.3 } }, translations: { \"zoom:1/1\": \"100%\" }\n");
-    const std::string first = R"({"action":"set","params":"{ variable: v, value: \"x\" }","delay":null,"repeat":null,)"
-                              R"("onChanged":[],"onReload":false,"onClose":false},)";
-    const auto expected = [](const std::string& knob, const std::string& bounds, const std::string& autoexec) {
+    write("a.quilt",
+          "@include parts\n"
+          "bounds: { 0, 0, 470, 320 }\n"
+          "views: { { type: group, bounds: { @wide, 1, 34, 16 }, views: { { type: knob, variable: a } } } }\n"
+          "autoexecs: { { action: set, onReload: false, params: { variable: v, value: \"x\" } }\n"
+          " { action: set, params: { variable: [var]name[/var], value: 1 }, repeat: 0.25 }\n"
+          " { action: set, onChanged: { v, w }, onClose: true } }\n"
+          "transitions: { default: { time: 0.3 } }, translations: { \"zoom:1/1\": \"100%\" }\n");
+    const std::string first =
+        R"({"action":"set","params":"{ variable: v, value: \"x\" }","delay":null,"repeat":null,)"
+        R"("onChanged":[],"onReload":false,"onClose":false},)";
+    const auto expected = [](const std::string& knob, const std::string& bounds,
+                             const std::string& autoexec) {
         return R"({"bounds":[0,0,470,320],"views":[{"type":"group","bounds":)" + bounds +
-               R"(,"children":[{"type":"knob","bounds":)" + knob + R"(,"children":[]}]}],"autoexecs":[)" + autoexec +
+               R"(,"children":[{"type":"knob","bounds":)" + knob + R"(,"children":[]}]}],"autoexecs":[)" +
+               autoexec +
                R"({"action":"set","params":"{ variable: [var]name[/var], value: 1 }","delay":null,"repeat":250,)"
                R"("onChanged":[],"onReload":true,"onClose":false},{"action":"set","params":"","delay":null,)"
                R"("repeat":null,"onChanged":["v","w"],"onReload":true,"onClose":true}],"transitions":{)"
@@ -62,10 +66,12 @@ TEST_F(QuiltCommand, TellsErrorsAndFails) {
     }
     const auto result = run({"quilt", "load", "-"}, text);
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(compact(result.output),
-                HasSubstr(R"("errors":["Error parsing quilt:\n\nUnknown view type: v0 (- line 1, column 18).",)"));
-    EXPECT_EQ(result.errors, "Error queue overflow: Error parsing quilt Unknown view type: v4 (- line 1, column 74)\n"
-                             "error: 4 errors in the document\n");
+    EXPECT_THAT(
+        compact(result.output),
+        HasSubstr(R"("errors":["Error parsing quilt:\n\nUnknown view type: v0 (- line 1, column 18).",)"));
+    EXPECT_EQ(result.errors,
+              "Error queue overflow: Error parsing quilt Unknown view type: v4 (- line 1, column 74)\n"
+              "error: 4 errors in the document\n");
 }
 
 TEST_F(QuiltCommand, LoadsWhatViewsDrawWith) {
@@ -98,7 +104,49 @@ TEST_F(QuiltCommand, SetsVariablesBefore) {
                 HasSubstr(R"("children":[{"type":"document","bounds":[5,5,235,60],"children":[]}])"));
     const auto wrong = run({"quilt", "load", "a.quilt", "--set", "modalLayout"});
     EXPECT_EQ(wrong.status, 2);
-    EXPECT_THAT(run({"quilt", "load", "a.quilt", "--scale", "0/1"}).errors, testing::Eq("error: Invalid scale: 0/1\n"));
+    EXPECT_THAT(run({"quilt", "load", "a.quilt", "--scale", "0/1"}).errors,
+                testing::Eq("error: Invalid scale: 0/1\n"));
+}
+
+TEST_F(QuiltCommand, DrawsSnapshots) {
+    std::filesystem::create_directories(folder_ / "parts");
+    write("parts/inner.quilt", "bounds: { 2, 2, 4, 4 }, transitions: { default: { time: 0.3, opacity: 0 } }\n"
+                               "views: { { type: rectangle, color: '#ff0000' } }");
+    write("a.quilt", "bounds: { 0, 0, 20, 11 }, views: { { type: rectangle, color: '#0000ff' }\n"
+                     "{ type: caption, text: '[var]params.mix.human[/var]' } { type: quilt, layoutVariable: modalLayout } }\n"
+                     "autoexecs: { { action: set, params: { variable: modalLayout, value: '' } } }");
+    // Scaled, with the folder's documents, at the end of all transitions, and with what is set for good.
+    const auto inner = run({"quilt", "snapshot", "a.quilt", "inner.png", "--resources", "parts", "--set", "modalLayout=inner"});
+    EXPECT_EQ(inner.status, 0) << inner.errors;
+    EXPECT_EQ(inner.errors, "");
+    EXPECT_EQ(run({"quilt", "snapshot", "a.quilt", "plain.png"}).status, 0);
+    EXPECT_EQ(run({"quilt", "snapshot", "a.quilt", "large.png", "--scale", "3/2"}).status, 0);
+    EXPECT_EQ(run({"quilt", "snapshot", "a.quilt", "set.png", "--set", "params.mix=0.5"}).status, 0);
+    EXPECT_EQ(read("plain.png").substr(12, 12), std::string("IHDR\0\0\0\x14\0\0\0\x0B", 12));
+    EXPECT_EQ(read("large.png").substr(12, 12), std::string("IHDR\0\0\0\x1E\0\0\0\x10", 12));
+    EXPECT_NE(read("plain.png"), read("inner.png"));
+    EXPECT_NE(read("plain.png"), read("set.png"));
+
+    write("broken.quilt", "views: { { type: raster, image: nobody } }");
+    const auto broken = run({"quilt", "snapshot", "broken.quilt", "broken.png"});
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_EQ(broken.errors, "Error loading image:\n\nMissing image: nobody.\nerror: 1 error in the document\n");
+    EXPECT_NE(read("broken.png"), "");
+}
+
+TEST_F(QuiltCommand, DrawsTheEditorsOwnDocuments) {
+    for (const std::string document : {"MURMELON_MAIN", "MURMELON_ABOUT", "MURMELON_ZOOM"}) {
+        for (const std::string scale : {"1/2", "2/1"}) {
+            const auto result = run({"quilt", "snapshot", document, "out.png", "--scale", scale, "--tone", "220"});
+            EXPECT_EQ(result.status, 0) << document << result.errors;
+            EXPECT_EQ(result.errors, "") << document;
+        }
+    }
+}
+
+TEST_F(QuiltCommand, PrintsTheReferenceOfViews) {
+    EXPECT_TRUE(run({"quilt", "types"}).output == CommandRun::contentsOf(MURMELON_DOCS "/quilt-views.md"))
+        << "Made anew by: murmelon quilt types > docs/quilt-views.md";
 }
 
 } // namespace

@@ -182,3 +182,32 @@ TEST(Instruction, bodiesRunAgainAsTheirTextSays) {
          "1\n2\n2\n4\n"},
     });
 }
+
+TEST(Outer, VariablesAreThereWhereTheDocumentHasNone) {
+    struct Outer : ScriptRun::Host {
+        int asked = 0;
+        std::optional<std::string> outerVariable(std::string_view name) override {
+            ++asked;
+            return name == "level" || name == "a.1" ? std::optional("7" + std::string(name == "a.1" ? ".5" : ""))
+                                                    : std::nullopt;
+        }
+    };
+    const ScriptRun::Row rows[] = {
+        {"trace $level", "7\n"},
+        {"trace {$level + 1} {$level + 1}", "8 8\n"},
+        {"i=1; trace {$a.$i + $a.1}", "15\n"},
+        {"trace {def(level)} {def(a.1)} {def(nobody)}", "yes yes no\n"},
+        {"level=3; trace $level", "3\n"}, // hidden by the document's own
+        {"trace $level; level=3; trace $level", "7\n3\n"},
+        {"scope [ trace $level ]", "7\n"},
+        {"trace $nobody", "RunTimeException: Variable nobody does not exist [trace $nobody]"},
+        {"i=2; trace {$a.$i}", "RunTimeException: Variable a.2 does not exist [trace {$a.$i}]"},
+    };
+    for (const auto& [script, result] : rows) {
+        Outer host;
+        EXPECT_EQ(ScriptRun::run(script, host), result) << script;
+    }
+    Outer host;
+    ScriptRun::run("for i from:0 to:9 [ x=$level ]", host);
+    EXPECT_EQ(host.asked, 1); // once a run
+}

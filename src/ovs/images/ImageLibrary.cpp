@@ -73,6 +73,14 @@ void ImageLibrary::clear() {
     keptBytes_ = 0;
 }
 
+void ImageLibrary::clearScaled() {
+    images_.clear();
+    keptBytes_ = 0;
+    for (const auto& [name, source] : pictures_) {
+        keptBytes_ += bytesOf(source->pixels);
+    }
+}
+
 // `frames` of 0: as many as the picture has by itself.
 std::shared_ptr<const Image> ImageLibrary::obtain(const ImageSpecification& specification,
                                                   std::optional<int> frames, double scale) {

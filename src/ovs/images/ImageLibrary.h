@@ -43,6 +43,9 @@ public:
 
     void clear();
 
+    // For another scale: what pictures hold is kept, what was made of them is not.
+    void clearScaled();
+
 private:
     struct Source {
         Drawing::Surface pixels;

@@ -11,16 +11,11 @@ namespace Quilt {
 namespace {
 
 constexpr BuiltInAction kActions[] = {
-    {"alert", true, performAlert, nullptr},
-    {"assert", true, performAssert, nullptr},
-    {"assign", false, performAssign, nullptr},
-    {"batch", true, performBatch, stateOfBatch},
-    {"edit", true, performEdit, nullptr},
-    {"execute", true, performExecute, stateOfExecute},
-    {"launch", false, performLaunch, nullptr},
-    {"popup", true, performPopup, nullptr},
-    {"reload", false, performReload, nullptr},
-    {"set", false, performSet, stateOfSet},
+    {"alert", true, performAlert, nullptr},         {"assert", true, performAssert, nullptr},
+    {"assign", false, performAssign, nullptr},      {"batch", true, performBatch, stateOfBatch},
+    {"edit", true, performEdit, nullptr},           {"execute", true, performExecute, stateOfExecute},
+    {"launch", false, performLaunch, nullptr},      {"popup", true, performPopup, nullptr},
+    {"reload", false, performReload, nullptr},      {"set", false, performSet, stateOfSet},
     {"switch", true, performSwitch, stateOfSwitch},
 };
 

@@ -1,8 +1,8 @@
 // Carrying out an action that a document names: the framework's own, or one of the program's action handler.
 //
-// The parameters come as the raw text of a Stackbrace value. Meta tags in it are expanded before it is read, so
-// that numbers and whole values can come from variables; a variable within quotes is escaped to stay there.
-// Actions that contain others expand piece by piece, when each is its turn.
+// The parameters come as the raw text of a Stackbrace value. Meta tags in it are expanded before it is read,
+// so that numbers and whole values can come from variables; a variable within quotes is escaped to stay
+// there. Actions that contain others expand piece by piece, when each is its turn.
 #pragma once
 
 #include "notation/Compound.h"
@@ -50,7 +50,8 @@ struct BuiltInAction {
     std::string_view name;
     bool compound; // contains actions, and expands its own texts
     void (*perform)(ActionCall& call, const Stackbrace::Element& params);
-    ActionState (*state)(const ActionCall& call, const Stackbrace::Element& params); // nullptr: always enabled
+    ActionState (*state)(const ActionCall& call,
+                         const Stackbrace::Element& params); // nullptr: always enabled
 };
 
 std::span<const BuiltInAction> builtInActions();

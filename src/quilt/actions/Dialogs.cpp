@@ -27,8 +27,8 @@ constexpr std::pair<std::string_view, MessageKind> kAlertTypes[] = {
 };
 
 constexpr std::pair<std::string_view, MessageButton> kButtons[] = {
-    {"ok", MessageButton::ok},       {"cancel", MessageButton::cancel}, {"retry", MessageButton::retry},
-    {"yes", MessageButton::yes},     {"no", MessageButton::no},         {"abort", MessageButton::abort},
+    {"ok", MessageButton::ok},         {"cancel", MessageButton::cancel}, {"retry", MessageButton::retry},
+    {"yes", MessageButton::yes},       {"no", MessageButton::no},         {"abort", MessageButton::abort},
     {"ignore", MessageButton::ignore},
 };
 
@@ -76,7 +76,8 @@ public:
         }
         std::vector<MenuItem> menu;
         for (const auto& element : items.list()) {
-            menu.push_back(element.raw().starts_with('{') ? readItem(element.structure(), depth) : readLine(element));
+            menu.push_back(element.raw().starts_with('{') ? readItem(element.structure(), depth)
+                                                          : readLine(element));
         }
         return menu;
     }
@@ -137,8 +138,8 @@ void performAlert(ActionCall& call, const Stackbrace::Element& params) {
             message.kind = found->second;
         }
         const auto* const buttons = structure.find("buttons");
-        readAlertButtons(buttons == nullptr ? "ok" : expanded(call, *buttons), expanded(call, structure["default"]),
-                         message);
+        readAlertButtons(buttons == nullptr ? "ok" : expanded(call, *buttons),
+                         expanded(call, structure["default"]), message);
         const auto wanted = structure["reactions"].structure();
         for (const MessageButton button : message.buttons) {
             if (const auto* const reaction = wanted.find(buttonName(button))) {
@@ -190,7 +191,8 @@ void performEdit(ActionCall& call, const Stackbrace::Element& params) {
         reaction = readStep(step->structure());
     }
     call.document().editor().editText(
-        {std::move(shown), call.anchor(), [later = LaterCall(call), variable, fallback, reaction](std::string typed) {
+        {std::move(shown), call.anchor(),
+         [later = LaterCall(call), variable, fallback, reaction](std::string typed) {
              later.set(variable, typed.empty() ? fallback : typed);
              later.perform(reaction);
              later.done();

@@ -38,7 +38,8 @@ std::vector<BatchElement> readBatch(const Stackbrace::Element& params) {
         if (step.empty()) {
             throw std::runtime_error("Invalid batch element");
         }
-        elements.push_back({std::move(step), isSet(structure, "ignoreEnabled"), isSet(structure, "ignoreChecked")});
+        elements.push_back(
+            {std::move(step), isSet(structure, "ignoreEnabled"), isSet(structure, "ignoreChecked")});
     }
     return elements;
 }
@@ -50,14 +51,15 @@ Step readBranch(const Stackbrace::Element& branch, const std::string& variable) 
     }
     const auto structure = branch.structure();
     if (const auto* const value = structure.find("value")) {
-        return {"set", "{ variable: " + Stackbrace::quote(variable) + ", value: " + std::string(value->raw()) + " }"};
+        return {"set", "{ variable: " + Stackbrace::quote(variable) +
+                           ", value: " + std::string(value->raw()) + " }"};
     }
     return readStep(structure);
 }
 
 // Of cases in a list each says what the value has to be like; the keys of a structure are the values.
-std::optional<Step> findCase(const ActionCall& call, const Stackbrace::Element& cases, const std::string& variable,
-                             const std::string& value) {
+std::optional<Step> findCase(const ActionCall& call, const Stackbrace::Element& cases,
+                             const std::string& variable, const std::string& value) {
     const auto list = Stackbrace::readList(cases);
     if (list.empty() || !isCompound(list[0])) {
         for (const auto& [key, branch] : cases.structure()) {

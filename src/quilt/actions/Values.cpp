@@ -69,10 +69,11 @@ std::string translated(const ActionCall& call, std::string text) {
 
 // An expression in which variables stand by their names.
 std::string calculated(const ActionCall& call, std::string text) {
-    const double value = evaluateAll<double>(text, 0.0, [&call](std::string_view name) -> std::optional<double> {
-        const auto variable = call.get(name);
-        return variable ? wholeNumber(*variable) : std::nullopt;
-    });
+    const double value =
+        evaluateAll<double>(text, 0.0, [&call](std::string_view name) -> std::optional<double> {
+            const auto variable = call.get(name);
+            return variable ? wholeNumber(*variable) : std::nullopt;
+        });
     std::array<char, 400> digits{}; // the largest double has 309 before the point
     const auto [end, error] =
         std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
@@ -89,8 +90,9 @@ struct Transform {
 };
 
 constexpr Transform kTransforms[] = {
-    {"lowercase", lowercase},   {"trimmed", trimmed},       {"modifiable", modifiable}, {"uppercase", uppercase},
-    {"translated", translated}, {"calculated", calculated}, {"metatext", metatext},
+    {"lowercase", lowercase}, {"trimmed", trimmed},       {"modifiable", modifiable},
+    {"uppercase", uppercase}, {"translated", translated}, {"calculated", calculated},
+    {"metatext", metatext},
 };
 
 } // namespace
@@ -113,7 +115,7 @@ void performAssign(ActionCall& call, const Stackbrace::Element& params) {
     if (variable.empty() || (source == nullptr) == (literal == nullptr)) {
         throw std::runtime_error("Invalid assign params");
     }
-    std::string value = source != nullptr    ? call.document().variables().get(source->string())
+    std::string value = source != nullptr  ? call.document().variables().get(source->string())
                         : literal->empty() ? std::string()
                                            : literal->string();
     for (const auto& name : structure["transforms"].list()) {

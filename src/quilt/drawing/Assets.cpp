@@ -64,7 +64,8 @@ void FontAsset::load(Document& document, std::optional<Colour> colour) {
         if (auto* const outline = std::get_if<Images::OutlineFontSpecification>(&specification)) {
             outline->colour = colour.value_or(raw_.empty() ? 0xFFFFFFFF : outline->colour);
         }
-        const std::string key = raw_ + '\n' + fallback_ + '\n' + (colour ? std::to_string(*colour) : std::string());
+        const std::string key =
+            raw_ + '\n' + fallback_ + '\n' + (colour ? std::to_string(*colour) : std::string());
         font_ = document.editor().fonts().get(key, specification, document.scale().factor());
     });
 }

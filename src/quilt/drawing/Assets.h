@@ -1,6 +1,6 @@
-// What views draw with, as their layout names it: read and loaded when a view is about to be drawn for the first
-// time, so that a layout can be loaded where there is nothing to draw with. What cannot be had is reported to
-// the document and missing from the picture; the view works without it.
+// What views draw with, as their layout names it: read and loaded when a view is about to be drawn for the
+// first time, so that a layout can be loaded where there is nothing to draw with. What cannot be had is
+// reported to the document and missing from the picture; the view works without it.
 #pragma once
 
 #include "drawing/Colour.h"

@@ -17,8 +17,8 @@ public:
     explicit FontCache(Images::ImageLibrary& images) : images_(images) {}
 
     // `key` stands for the specification. Throws what the library throws.
-    std::shared_ptr<Images::TextFont> get(const std::string& key, const Images::FontSpecification& specification,
-                                          double scale) {
+    std::shared_ptr<Images::TextFont> get(const std::string& key,
+                                          const Images::FontSpecification& specification, double scale) {
         auto& font = fonts_[{key, scale}];
         if (font == nullptr) {
             font = images_.font(specification, scale);

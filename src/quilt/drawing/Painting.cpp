@@ -33,13 +33,15 @@ double pixelsOf(const Document& document, double units) {
 }
 
 Drawing::Rect placed(const DrawContext& context, const Rectangle& area) {
-    return {static_cast<double>(context.origin.x + area.left), static_cast<double>(context.origin.y + area.top),
-            static_cast<double>(area.width), static_cast<double>(area.height)};
+    return {static_cast<double>(context.origin.x + area.left),
+            static_cast<double>(context.origin.y + area.top), static_cast<double>(area.width),
+            static_cast<double>(area.height)};
 }
 
 Drawing::IntRect clipOf(const DrawContext& context, const Rectangle& area) {
-    return Drawing::intersection(context.canvas.target().bounds(),
-                                 {context.origin.x + area.left, context.origin.y + area.top, area.width, area.height});
+    return Drawing::intersection(
+        context.canvas.target().bounds(),
+        {context.origin.x + area.left, context.origin.y + area.top, area.width, area.height});
 }
 
 void fillBox(const DrawContext& context, const Rectangle& area, const Drawing::Paint& paint, double radius) {
@@ -72,8 +74,10 @@ void drawImage(const DrawContext& context, const Rectangle& area, const Images::
         return;
     }
     const Images::Image::Manner how{.frame = 0, .opacity = manner.opacity, .colour = manner.colour};
-    const std::int32_t left = context.origin.x + area.left + aligned(manner.align.x, area.width - image.width());
-    const std::int32_t top = context.origin.y + area.top + aligned(manner.align.y, area.height - image.height());
+    const std::int32_t left =
+        context.origin.x + area.left + aligned(manner.align.x, area.width - image.width());
+    const std::int32_t top =
+        context.origin.y + area.top + aligned(manner.align.y, area.height - image.height());
     if (!manner.tile) {
         image.draw(context.canvas.target(), clip, left, top, how);
         return;
@@ -84,7 +88,8 @@ void drawImage(const DrawContext& context, const Rectangle& area, const Images::
         return edge - (past < 0 ? past + step : past);
     };
     for (std::int32_t y = first(top, clip.y, image.height()); y < clip.y + clip.height; y += image.height()) {
-        for (std::int32_t x = first(left, clip.x, image.width()); x < clip.x + clip.width; x += image.width()) {
+        for (std::int32_t x = first(left, clip.x, image.width()); x < clip.x + clip.width;
+             x += image.width()) {
             image.draw(context.canvas.target(), clip, x, y, how);
         }
     }
@@ -94,7 +99,8 @@ void drawFilm(const DrawContext& context, const Rectangle& area, const Images::F
               Align align) {
     const Drawing::IntRect clip = clipOf(context, area);
     if (!clip.isEmpty()) {
-        film.draw(context.canvas.target(), clip, context.origin.x + area.left + aligned(align.x, area.width - film.width()),
+        film.draw(context.canvas.target(), clip,
+                  context.origin.x + area.left + aligned(align.x, area.width - film.width()),
                   context.origin.y + area.top + aligned(align.y, area.height - film.height()), position);
     }
 }
@@ -103,7 +109,9 @@ std::u16string fitted(Images::TextFont& font, std::u16string_view text, double w
     if (font.width(text) <= width) {
         return std::u16string(text);
     }
-    const auto cut = [text](std::size_t length) { return std::u16string(text.substr(0, length)).append(kEllipsis); };
+    const auto cut = [text](std::size_t length) {
+        return std::u16string(text.substr(0, length)).append(kEllipsis);
+    };
     std::size_t fits = 0;
     std::size_t tooLong = text.size();
     while (tooLong - fits > 1) {
@@ -117,14 +125,16 @@ std::u16string fitted(Images::TextFont& font, std::u16string_view text, double w
     return cut(fits);
 }
 
-std::vector<std::u16string> linesOf(Images::TextFont& font, std::u16string_view text, double width, bool wrap) {
+std::vector<std::u16string> linesOf(Images::TextFont& font, std::u16string_view text, double width,
+                                    bool wrap) {
     std::vector<std::u16string> lines;
     while (true) {
         const std::size_t end = std::min(text.find(u'\n'), text.size());
         std::u16string_view rest = text.substr(0, end);
         while (wrap && font.width(rest) > width) {
             std::size_t taken = rest.find(u' ');
-            for (std::size_t next = taken; next != std::u16string_view::npos && font.width(rest.substr(0, next)) <= width;
+            for (std::size_t next = taken;
+                 next != std::u16string_view::npos && font.width(rest.substr(0, next)) <= width;
                  next = rest.find(u' ', next + 1)) {
                 taken = next;
             }
@@ -142,8 +152,8 @@ std::vector<std::u16string> linesOf(Images::TextFont& font, std::u16string_view 
     }
 }
 
-void drawText(const DrawContext& context, const Rectangle& area, Images::TextFont& font, std::u16string_view text,
-              const TextManner& manner) {
+void drawText(const DrawContext& context, const Rectangle& area, Images::TextFont& font,
+              std::u16string_view text, const TextManner& manner) {
     const Drawing::IntRect clip = clipOf(context, area);
     if (clip.isEmpty() || text.empty()) {
         return;
@@ -152,15 +162,16 @@ void drawText(const DrawContext& context, const Rectangle& area, Images::TextFon
     const double oneLine = font.ascent() + font.descent();
     auto lines = linesOf(font, text, space, manner.wrap);
     const double room = area.height - oneLine;
-    const std::size_t most = room < font.lineHeight() ? 1 : 1 + static_cast<std::size_t>(room / font.lineHeight());
+    const std::size_t most =
+        room < font.lineHeight() ? 1 : 1 + static_cast<std::size_t>(room / font.lineHeight());
     if (manner.wrap && lines.size() > most) {
         // The last line that there is room for says that there are more.
         lines.resize(most);
         lines.back() += kEllipsis;
     }
     const double height = oneLine + font.lineHeight() * static_cast<double>(lines.size() - 1);
-    double baseline = context.origin.y + area.top + manner.offset.y + manner.align.y * (area.height - height) +
-                      font.ascent();
+    double baseline = context.origin.y + area.top + manner.offset.y +
+                      manner.align.y * (area.height - height) + font.ascent();
     for (const auto& line : lines) {
         const std::u16string shown = fitted(font, line, space);
         const double x = context.origin.x + area.left + manner.offset.x +
@@ -171,7 +182,8 @@ void drawText(const DrawContext& context, const Rectangle& area, Images::TextFon
 }
 
 Box::Box(const Properties& properties, const Document& document, std::string_view fill)
-    : fill_(properties, fill), frame_(properties, "frame"), radius_(pixelsOf(document, properties.number("rounded"))),
+    : fill_(properties, fill), frame_(properties, "frame"),
+      radius_(pixelsOf(document, properties.number("rounded"))),
       frameWidth_(std::max(1.0, pixelsOf(document, properties.number("frameWidth")))) {}
 
 void Box::load(Document& document) {
@@ -179,7 +191,8 @@ void Box::load(Document& document) {
     frame_.load(document);
 }
 
-void Box::draw(const DrawContext& context, const Rectangle& area, std::optional<Colour> fill, unsigned opacity) const {
+void Box::draw(const DrawContext& context, const Rectangle& area, std::optional<Colour> fill,
+               unsigned opacity) const {
     if (!fill) {
         fill = fill_.get();
     }

@@ -1,5 +1,5 @@
-// How views draw: boxes, pictures and lines of text, in pixels relative to a view's top left and cut off at its
-// edge.
+// How views draw: boxes, pictures and lines of text, in pixels relative to a view's top left and cut off at
+// its edge.
 #pragma once
 
 #include "drawing/Canvas.h"
@@ -45,12 +45,13 @@ struct TextManner {
     bool wrap = false;
     unsigned opacity = 255;
 };
-void drawText(const DrawContext& context, const Rectangle& area, Images::TextFont& font, std::u16string_view text,
-              const TextManner& manner);
+void drawText(const DrawContext& context, const Rectangle& area, Images::TextFont& font,
+              std::u16string_view text, const TextManner& manner);
 
 // The lines that `text` takes in `width` pixels: broken between words where `wrap` says so, and where it says
 // line end.
-std::vector<std::u16string> linesOf(Images::TextFont& font, std::u16string_view text, double width, bool wrap);
+std::vector<std::u16string> linesOf(Images::TextFont& font, std::u16string_view text, double width,
+                                    bool wrap);
 
 // Cut, with an ellipsis, to what fits.
 std::u16string fitted(Images::TextFont& font, std::u16string_view text, double width);

@@ -37,7 +37,8 @@ constexpr Property kTransformed[] = {
 class Transformed : public Group {
 public:
     explicit Transformed(const ViewSetup& setup)
-        : Group(setup), scale_(setup.properties.string("scale")), opacity_(setup.properties.string("opacity")),
+        : Group(setup), scale_(setup.properties.string("scale")),
+          opacity_(setup.properties.string("opacity")),
           time_(static_cast<std::int64_t>(setup.properties.number("time") * 1000)) {}
 
     void refresh() override {
@@ -60,12 +61,14 @@ public:
 
     bool ticking() const override { return moving_; }
     void tick(std::chrono::milliseconds now) override {
-        const double part = time_.count() == 0 ? 1
-                                               : std::clamp(static_cast<double>((now - start_).count()) /
-                                                                static_cast<double>(time_.count()),
-                                                            0.0, 1.0);
+        const double part =
+            time_.count() == 0
+                ? 1
+                : std::clamp(static_cast<double>((now - start_).count()) / static_cast<double>(time_.count()),
+                             0.0, 1.0);
         invalidate();
-        look_ = {from_.scale + (to_.scale - from_.scale) * part, from_.opacity + (to_.opacity - from_.opacity) * part};
+        look_ = {from_.scale + (to_.scale - from_.scale) * part,
+                 from_.opacity + (to_.opacity - from_.opacity) * part};
         invalidate();
         moving_ = part < 1;
     }
@@ -154,7 +157,8 @@ private:
 class Paged : public View {
 public:
     explicit Paged(const ViewSetup& setup)
-        : View(setup), variable_(setup.properties.string("variable")), fallback_(setup.properties.string("default")) {
+        : View(setup), variable_(setup.properties.string("variable")),
+          fallback_(setup.properties.string("default")) {
         for (const auto& [name, views] : setup.properties.element("pages").structure()) {
             auto page = std::make_unique<Page>(document(), std::string(name), area());
             setup.builder.addViews(*page, views, setup.units);
@@ -185,17 +189,22 @@ private:
 } // namespace
 
 ViewType groupType() {
-    return {"group", "Holds views that belong together: they move, show and hide as one.", {kViews}, make<Group>};
+    return {
+        "group", "Holds views that belong together: they move, show and hide as one.", {kViews}, make<Group>};
 }
 
 ViewType transformedType() {
-    return {"transformed", "Holds views and draws them smaller, larger or fainter, as variables say.",
-            {kViews, kTransformed}, make<Transformed>};
+    return {"transformed",
+            "Holds views and draws them smaller, larger or fainter, as variables say.",
+            {kViews, kTransformed},
+            make<Transformed>};
 }
 
 ViewType clusterType() {
-    return {"cluster", "Sets its views into cells of one size, row by row; each view's area is its cell.",
-            {kViews, kCluster}, make<Cluster>};
+    return {"cluster",
+            "Sets its views into cells of one size, row by row; each view's area is its cell.",
+            {kViews, kCluster},
+            make<Cluster>};
 }
 
 ViewType pagedType() {

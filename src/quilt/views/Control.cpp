@@ -29,8 +29,9 @@ std::string optionalString(const Properties& properties, std::string_view name) 
 std::string numberText(double value) {
     std::array<char, 32> digits{};
     constexpr int kDigits = 9; // what a parameter, a float, needs
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, kDigits).ptr;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                   std::chars_format::general, kDigits)
+                         .ptr;
     return {digits.data(), end};
 }
 
@@ -42,7 +43,8 @@ std::optional<double> numberOf(std::string_view text) {
 }
 
 Control::Control(const ViewSetup& setup)
-    : View(setup), menuAction_(setup.properties.string("menuAction")), menuParams_(setup.properties.raw("menuParams")),
+    : View(setup), menuAction_(setup.properties.string("menuAction")),
+      menuParams_(setup.properties.raw("menuParams")),
       focusable_(setup.properties.knows("focusable") && setup.properties.boolean("focusable")) {}
 
 void Control::pressed(const MouseEvent& event) {
@@ -108,9 +110,9 @@ void Gesture::cancel() {
 
 ValueControl::ValueControl(const ViewSetup& setup)
     : Control(setup), variable_(setup.properties.string("variable")),
-      textVariable_(optionalString(setup.properties, "textVariable")), range_(setup.properties.range("range")),
-      steps_(setup.properties.integer("steps")), fine_(setup.properties.number("fine")),
-      wheelStep_(setup.properties.number("wheelStep")),
+      textVariable_(optionalString(setup.properties, "textVariable")),
+      range_(setup.properties.range("range")), steps_(setup.properties.integer("steps")),
+      fine_(setup.properties.number("fine")), wheelStep_(setup.properties.number("wheelStep")),
       dragLength_(std::max(1.0, setup.properties.number("dragLength") * document().scale().factor())),
       gesture_(*this, variable_) {
     if (setup.properties.has("default")) {

@@ -1,5 +1,5 @@
-// What the views that answer to a hand have in common: an action and a menu, the look of having the keys, and for
-// those that change a value, the value.
+// What the views that answer to a hand have in common: an action and a menu, the look of having the keys, and
+// for those that change a value, the value.
 #pragma once
 
 #include "quilt/ActionHandler.h"
@@ -57,8 +57,8 @@ private:
     bool on_ = false;
 };
 
-// A variable's value on the way between two ends, moved by drag, wheel and keys. Where the mouse has to go for it,
-// and what it looks like, derived classes say.
+// A variable's value on the way between two ends, moved by drag, wheel and keys. Where the mouse has to go
+// for it, and what it looks like, derived classes say.
 class ValueControl : public Control {
 public:
     explicit ValueControl(const ViewSetup& setup);

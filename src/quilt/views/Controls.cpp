@@ -16,8 +16,8 @@ namespace {
 using namespace Rows;
 
 constexpr Property kTrigger[] = {
-    {"trigger", choice, "release", "Whether the action comes with the press or with the release over the control.",
-     "press release"},
+    {"trigger", choice, "release",
+     "Whether the action comes with the press or with the release over the control.", "press release"},
 };
 
 constexpr Property kButton[] = {
@@ -25,7 +25,8 @@ constexpr Property kButton[] = {
     {"images", stateImages, "", "Images for the states.", kStates},
     {"backgrounds", stateColors, "", "Backgrounds for the states.", kStates},
     {"colors", stateColors, "", "Colors of the text for the states.", kStates},
-    {"repeat", number, "0", "Seconds after which the action comes again while the button is held; 0: never.", "", 0, 60},
+    {"repeat", number, "0", "Seconds after which the action comes again while the button is held; 0: never.",
+     "", 0, 60},
 };
 
 constexpr Property kClick[] = {
@@ -133,7 +134,8 @@ public:
     explicit Button(const ViewSetup& setup)
         : Clickable(setup), image_(setup.properties, "image"), images_(setup.properties, "images"),
           backgrounds_(setup.properties, "backgrounds"), colors_(setup.properties, "colors"),
-          label_(setup, "sans-serif"), align_(setup.properties.align("align")), box_(setup.properties, document()),
+          label_(setup, "sans-serif"), align_(setup.properties.align("align")),
+          box_(setup.properties, document()),
           repeat_(static_cast<std::int64_t>(setup.properties.number("repeat") * 1000)) {}
 
     void prepare() override {
@@ -205,8 +207,8 @@ public:
 
 private:
     // The strongest first.
-    static constexpr std::array<std::string_view, 5> kAllStates = {"disabled", "pressed", "checked", "hovered",
-                                                                   "normal"};
+    static constexpr std::array<std::string_view, 5> kAllStates = {"disabled", "pressed", "checked",
+                                                                   "hovered", "normal"};
 
     bool applies(std::size_t state) const {
         const bool now[] = {!enabled(), isPressed(), isChecked(), isHovered() && enabled(), true};
@@ -257,12 +259,16 @@ private:
 } // namespace
 
 ViewType buttonType() {
-    return {"button", "Does something when it is clicked, and shows whether that can be done and is the case.",
-            {kAction, kMenu, kTrigger, kButton, kText, kBox, kFocus}, make<Button>};
+    return {"button",
+            "Does something when it is clicked, and shows whether that can be done and is the case.",
+            {kAction, kMenu, kTrigger, kButton, kText, kBox, kFocus},
+            make<Button>};
 }
 
 ViewType clickType() {
-    return {"click", "A place to click at: nothing is to be seen of it.", {kAction, kClick, kMenu, kTrigger},
+    return {"click",
+            "A place to click at: nothing is to be seen of it.",
+            {kAction, kClick, kMenu, kTrigger},
             make<Click>};
 }
 

@@ -9,7 +9,8 @@ namespace Quilt {
 
 Label::Label(const ViewSetup& setup, std::string fallbackFont)
     : source_(setup.properties.string("text")), text_(toUtf16(source_.value())),
-      font_(setup.properties, "font", std::move(fallbackFont)), plainFont_(font_), colour_(setup.properties, "color") {
+      font_(setup.properties, "font", std::move(fallbackFont)), plainFont_(font_),
+      colour_(setup.properties, "color") {
     if (setup.properties.knows("align")) {
         align_ = setup.properties.align("align");
         const Point units = setup.properties.offset("offset");
@@ -44,7 +45,8 @@ FontAsset Label::inColour(Document& document, Colour colour) const {
 
 void Label::draw(const DrawContext& context, const Rectangle& area, Images::TextFont& font, unsigned opacity,
                  bool wrap) const {
-    drawText(context, area, font, text_, {.align = align_, .offset = offset_, .wrap = wrap, .opacity = opacity});
+    drawText(context, area, font, text_,
+             {.align = align_, .offset = offset_, .wrap = wrap, .opacity = opacity});
 }
 
 } // namespace Quilt

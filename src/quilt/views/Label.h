@@ -20,8 +20,8 @@ public:
 
     const std::u16string& text() const { return text_; }
     Images::TextFont* font() const { return font_.get(); }
-    void draw(const DrawContext& context, const Rectangle& area, Images::TextFont& font, unsigned opacity = 255,
-              bool wrap = false) const;
+    void draw(const DrawContext& context, const Rectangle& area, Images::TextFont& font,
+              unsigned opacity = 255, bool wrap = false) const;
 
 private:
     LiveText source_;

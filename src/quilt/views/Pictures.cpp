@@ -37,7 +37,8 @@ constexpr Property kVector[] = {
 constexpr Property kAnimation[] = {
     {"film", film, "", "The frames."},
     {"variable", variable, "", "Whose value chooses the frame; without one the frames go by themselves."},
-    {"range", range, "{ 0, 1 }", "The variable's values for the first and the last frame; true is 1, false 0."},
+    {"range", range, "{ 0, 1 }",
+     "The variable's values for the first and the last frame; true is 1, false 0."},
     {"interval", number, "0.04", "Seconds a frame.", "", 0.001, 3600},
     {"loop", boolean, "true", "Whether the last frame is followed by the first."},
     {"running", condition, "true", "Whether the frames go by."},
@@ -60,8 +61,9 @@ std::chrono::milliseconds milliseconds(double seconds) {
 class Raster : public View {
 public:
     explicit Raster(const ViewSetup& setup)
-        : View(setup), image_(setup.properties, "image"),
-          manner_{setup.properties.align("align"), setup.properties.knows("tile") && setup.properties.boolean("tile")} {}
+        : View(setup), image_(setup.properties, "image"), manner_{setup.properties.align("align"),
+                                                                  setup.properties.knows("tile") &&
+                                                                      setup.properties.boolean("tile")} {}
 
     void prepare() override { image_.load(document()); }
     void draw(const DrawContext& context) const override {
@@ -75,12 +77,13 @@ private:
     ImageManner manner_;
 };
 
-// A script that reads the layout's variables as its own. It runs when one that it has read is another, no sooner
-// than `interval` after it ran last; between that its picture is kept.
+// A script that reads the layout's variables as its own. It runs when one that it has read is another, no
+// sooner than `interval` after it ran last; between that its picture is kept.
 class LiveVector : public View {
 public:
     explicit LiveVector(const ViewSetup& setup)
-        : View(setup), raw_(setup.properties.raw("image")), interval_(milliseconds(setup.properties.number("interval"))) {}
+        : View(setup), raw_(setup.properties.raw("image")),
+          interval_(milliseconds(setup.properties.number("interval"))) {}
 
     void prepare() override {
         try {
@@ -108,8 +111,9 @@ public:
         }
         asked_ = false;
         const Variables& variables = document().variables();
-        const bool same = std::ranges::all_of(
-            read_, [&variables](const auto& variable) { return variables.find(variable.first) == variable.second; });
+        const bool same = std::ranges::all_of(read_, [&variables](const auto& variable) {
+            return variables.find(variable.first) == variable.second;
+        });
         if (!same) {
             ran_ = now;
             run();
@@ -135,8 +139,9 @@ private:
         environment.fonts = &library().fonts();
         environment.outerVariable = [this](std::string_view name) {
             const auto known = read_.find(name);
-            return known != read_.end() ? known->second
-                                        : read_.emplace(name, document().variables().find(name)).first->second;
+            return known != read_.end()
+                       ? known->second
+                       : read_.emplace(name, document().variables().find(name)).first->second;
         };
         try {
             Drawing::Surface pixels(area().width, area().height);
@@ -172,7 +177,8 @@ class Animation : public View {
 public:
     explicit Animation(const ViewSetup& setup)
         : View(setup), film_(setup.properties, "film"), variable_(setup.properties.string("variable")),
-          range_(setup.properties.range("range")), interval_(milliseconds(setup.properties.number("interval"))),
+          range_(setup.properties.range("range")),
+          interval_(milliseconds(setup.properties.number("interval"))),
           loop_(setup.properties.boolean("loop")), running_(setup.properties.string("running")),
           align_(setup.properties.align("align")) {}
 
@@ -187,7 +193,8 @@ public:
         }
         if (!variable_.empty()) {
             const auto text = document().variables().find(variable_);
-            const double position = range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
+            const double position =
+                range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
             if (std::exchange(position_, position) != position) {
                 invalidate();
             }
@@ -214,7 +221,8 @@ public:
 
     void draw(const DrawContext& context) const override {
         if (const auto* const film = film_.get()) {
-            drawFilm(context, area(), *film, variable_.empty() ? static_cast<double>(frame_) : position_ * (film->frames() - 1),
+            drawFilm(context, area(), *film,
+                     variable_.empty() ? static_cast<double>(frame_) : position_ * (film->frames() - 1),
                      align_);
         }
     }
@@ -238,9 +246,11 @@ private:
 class Marker : public View {
 public:
     explicit Marker(const ViewSetup& setup)
-        : View(setup), variable_(setup.properties.string("variable")), range_(setup.properties.range("range")),
-          image_(setup.properties, "image"), colour_(setup.properties, "color"),
-          size_(std::max(1, static_cast<std::int32_t>(std::lround(pixelsOf(document(), setup.properties.number("size")))))),
+        : View(setup), variable_(setup.properties.string("variable")),
+          range_(setup.properties.range("range")), image_(setup.properties, "image"),
+          colour_(setup.properties, "color"),
+          size_(std::max(1, static_cast<std::int32_t>(
+                                std::lround(pixelsOf(document(), setup.properties.number("size")))))),
           radius_(pixelsOf(document(), setup.properties.number("rounded"))),
           horizontal_(setup.properties.string("orientation") == "horizontal") {}
 
@@ -251,7 +261,8 @@ public:
     void refresh() override {
         View::refresh();
         const auto text = document().variables().find(variable_);
-        const double position = range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
+        const double position =
+            range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
         if (position != position_) {
             invalidate(mark());
             position_ = position;
@@ -271,7 +282,8 @@ private:
         const auto* const image = image_.get();
         const std::int32_t length = image == nullptr ? size_ : horizontal_ ? image->width() : image->height();
         const std::int32_t way = std::max(0, (horizontal_ ? area().width : area().height) - length);
-        const auto at = static_cast<std::int32_t>(std::lround(way * (horizontal_ ? position_ : 1 - position_)));
+        const auto at =
+            static_cast<std::int32_t>(std::lround(way * (horizontal_ ? position_ : 1 - position_)));
         return horizontal_ ? Rectangle{at, 0, length, area().height} : Rectangle{0, at, area().width, length};
     }
 
@@ -296,11 +308,15 @@ ViewType vectorType() {
 }
 
 ViewType animationType() {
-    return {"animation", "One frame of a film, chosen by a variable or by time.", {kAnimation}, make<Animation>};
+    return {
+        "animation", "One frame of a film, chosen by a variable or by time.", {kAnimation}, make<Animation>};
 }
 
 ViewType markerType() {
-    return {"marker", "A mark that moves across its bounds with a variable's value.", {kMarker, kOrientation}, make<Marker>};
+    return {"marker",
+            "A mark that moves across its bounds with a variable's value.",
+            {kMarker, kOrientation},
+            make<Marker>};
 }
 
 } // namespace Quilt

@@ -22,7 +22,8 @@ constexpr Property kQuilt[] = {
     {"layoutVariable", variable, "", "Names the document that is shown; while it is empty there is none."},
     {"uiScaling", boolean, "true", "Whether the document is drawn at the user's scale, else at 1/1."},
     {"modal", boolean, "false",
-     "Whether the document, while it is shown, takes all of the mouse and the keys; escape then empties the variable."},
+     "Whether the document, while it is shown, takes all of the mouse and the keys; escape then empties the "
+     "variable."},
 };
 
 // A transition that is on.
@@ -141,7 +142,8 @@ private:
         }
         const double done = static_cast<double>((now - turned.start).count()) /
                             static_cast<double>(turned.transition->time.count());
-        return std::chrono::milliseconds(std::lround((1 - done) * static_cast<double>(transition.time.count())));
+        return std::chrono::milliseconds(
+            std::lround((1 - done) * static_cast<double>(transition.time.count())));
     }
 
     void swap() {
@@ -229,10 +231,11 @@ private:
 } // namespace
 
 ViewType quiltType() {
-    return {"quilt",
-            "Shows another document above the views before it. Its transitions animate how it comes and goes.",
-            {kQuilt},
-            make<QuiltView>};
+    return {
+        "quilt",
+        "Shows another document above the views before it. Its transitions animate how it comes and goes.",
+        {kQuilt},
+        make<QuiltView>};
 }
 
 } // namespace Quilt

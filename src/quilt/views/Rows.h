@@ -44,9 +44,11 @@ inline constexpr Property kValue[] = {
     {"range", range, "{ 0, 1 }", "Its values at both ends."},
     {"steps", integer, "0", "How many values there are, both ends included; 0: any.", "", 0, 1000000},
     {"default", number, "",
-     "The value that a double click sets; without it that of the variable of the same name with `.default` behind it."},
+     "The value that a double click sets; without it that of the variable of the same name with `.default` "
+     "behind it."},
     {"fine", number, "0.1", "How much slower the value moves with the shift key.", "", 0.0001, 1},
-    {"wheelStep", number, "0.02", "What a notch of the wheel and an arrow key move, as a part of the range.", "", 0, 1},
+    {"wheelStep", number, "0.02", "What a notch of the wheel and an arrow key move, as a part of the range.",
+     "", 0, 1},
     {"dragLength", number, "150", "How far the mouse moves for the whole range, in units.", "", 1, 10000},
     {"textVariable", variable, "",
      "The variable that takes a typed value: the enter key or a digit opens a field."},

@@ -21,7 +21,8 @@ constexpr Property kRectangle[] = {
 
 constexpr Property kGradient[] = {
     {"colors", colors, "", "Two or more, from top to bottom or from left to right."},
-    {"stops", numbers, "", "Where each color stands, 0 to 1 and rising; without them they are evenly spread."},
+    {"stops", numbers, "",
+     "Where each color stands, 0 to 1 and rising; without them they are evenly spread."},
     {"rounded", number, "0", "Radius of the corners, in units.", "", 0, 1000},
 };
 
@@ -57,8 +58,10 @@ public:
         std::vector<Drawing::GradientStop> stops;
         for (std::size_t i = 0; i < colours_.size(); ++i) {
             colours_[i].load(document());
-            const double even = colours_.size() < 2 ? 0 : static_cast<double>(i) / static_cast<double>(colours_.size() - 1);
-            stops.push_back({stops_.empty() ? even : stops_[i], colours_[i].get().value_or(Drawing::kTransparent)});
+            const double even =
+                colours_.size() < 2 ? 0 : static_cast<double>(i) / static_cast<double>(colours_.size() - 1);
+            stops.push_back(
+                {stops_.empty() ? even : stops_[i], colours_[i].get().value_or(Drawing::kTransparent)});
         }
         if (!stops.empty()) {
             table_ = std::make_shared<const Drawing::GradientTable>(std::move(stops));
@@ -70,8 +73,10 @@ public:
             return;
         }
         const Drawing::Rect all = placed(context, area());
-        const Drawing::Point end = horizontal_ ? Drawing::Point{all.right(), all.y} : Drawing::Point{all.x, all.bottom()};
-        fillBox(context, area(), Drawing::Paint{Drawing::LinearGradient{{all.x, all.y}, end, table_}}, radius_);
+        const Drawing::Point end =
+            horizontal_ ? Drawing::Point{all.right(), all.y} : Drawing::Point{all.x, all.bottom()};
+        fillBox(context, area(), Drawing::Paint{Drawing::LinearGradient{{all.x, all.y}, end, table_}},
+                radius_);
     }
 
 private:
@@ -89,7 +94,8 @@ ViewType rectangleType() {
 }
 
 ViewType gradientType() {
-    return {"gradient", "A rectangle whose color changes along it.", {kGradient, kOrientation}, make<Gradient>};
+    return {
+        "gradient", "A rectangle whose color changes along it.", {kGradient, kOrientation}, make<Gradient>};
 }
 
 } // namespace Quilt

@@ -17,7 +17,8 @@ namespace {
 using namespace Rows;
 
 constexpr Property kCaption[] = {
-    {"wrap", boolean, "false", "Whether lines that are too long are broken between words, else cut with an ellipsis."},
+    {"wrap", boolean, "false",
+     "Whether lines that are too long are broken between words, else cut with an ellipsis."},
 };
 
 constexpr Property kBubble[] = {
@@ -59,8 +60,8 @@ private:
     bool wrap_;
 };
 
-// Comes when the mouse has rested on something with a hint, at once while that is being dragged, and goes when
-// the mouse does.
+// Comes when the mouse has rested on something with a hint, at once while that is being dragged, and goes
+// when the mouse does.
 class Bubble : public View {
 public:
     explicit Bubble(const ViewSetup& setup)
@@ -110,7 +111,9 @@ public:
 private:
     // Below what it is about, or above where there is no room; for what is large, at the mouse.
     Rectangle beside(const View& about, std::optional<Point> mouse) const {
-        const auto pixels = [this](double units) { return static_cast<std::int32_t>(std::lround(pixelsOf(document(), units))); };
+        const auto pixels = [this](double units) {
+            return static_cast<std::int32_t>(std::lround(pixelsOf(document(), units)));
+        };
         Images::TextFont& font = *label_.font();
         const std::int32_t width = std::min(
             area().width, static_cast<std::int32_t>(std::ceil(font.width(label_.text()))) + 2 * pixels(7));
@@ -187,8 +190,8 @@ public:
         for (auto line = lines_.rbegin(); line != lines_.rend() && bottom > clip.y; ++line) {
             const double top = bottom - font->lineHeight();
             if (top < clip.y + clip.height && !clip.isEmpty()) {
-                font->draw(context.canvas.target(), clip, context.origin.x + inside.left, std::round(top + font->ascent()),
-                           *line);
+                font->draw(context.canvas.target(), clip, context.origin.x + inside.left,
+                           std::round(top + font->ascent()), *line);
             }
             bottom = top;
         }
@@ -197,7 +200,8 @@ public:
 private:
     Rectangle inside() const {
         const auto padding = static_cast<std::int32_t>(std::lround(pixelsOf(document(), 4)));
-        return {padding, padding, std::max(0, area().width - 2 * padding), std::max(0, area().height - 2 * padding)};
+        return {padding, padding, std::max(0, area().width - 2 * padding),
+                std::max(0, area().height - 2 * padding)};
     }
     void breakLines() {
         lines_.clear();
@@ -227,8 +231,11 @@ ViewType captionType() {
 }
 
 ViewType bubbleType() {
-    return {"bubble", "A note beside the mouse while it rests over a view with a hint. Without a text it shows the hint.",
-            {kText, kBubble, kBox}, make<Bubble>};
+    return {
+        "bubble",
+        "A note beside the mouse while it rests over a view with a hint. Without a text it shows the hint.",
+        {kText, kBubble, kBox},
+        make<Bubble>};
 }
 
 ViewType consoleType() {

@@ -49,7 +49,8 @@ public:
         : ValueControl(setup), box_(setup.properties, document()), image_(setup.properties, "image"),
           film_(setup.properties, "film"), colour_(setup.properties, "color"),
           handleColour_(setup.properties, "handleColor"),
-          size_(static_cast<std::int32_t>(std::lround(pixelsOf(document(), setup.properties.number("size"))))),
+          size_(
+              static_cast<std::int32_t>(std::lround(pixelsOf(document(), setup.properties.number("size"))))),
           horizontal_(setup.properties.string("orientation") == "horizontal"),
           jump_(setup.properties.boolean("jump")), ownLength_(setup.properties.has("dragLength")) {}
 
@@ -177,7 +178,8 @@ private:
     Drawing::Point onCircle(const DrawContext& context, double radius, double position) const {
         const Drawing::Rect all = placed(context, area());
         const double angle = kFirstAngle + kTurn * position;
-        return {all.x + all.width / 2 + radius * std::cos(angle), all.y + all.height / 2 + radius * std::sin(angle)};
+        return {all.x + all.width / 2 + radius * std::cos(angle),
+                all.y + all.height / 2 + radius * std::sin(angle)};
     }
     static void stroke(const DrawContext& context, const Drawing::Path& path, Colour colour, double width) {
         Drawing::Pen pen;
@@ -186,13 +188,15 @@ private:
         pen.caps = Drawing::Caps::round;
         context.canvas.stroke(path, pen, {});
     }
-    void drawArc(const DrawContext& context, double radius, double from, double to, const ColourAsset& colour) const {
+    void drawArc(const DrawContext& context, double radius, double from, double to,
+                 const ColourAsset& colour) const {
         if (!colour.get() || to - from <= 0) {
             return;
         }
         Drawing::Path arc;
         arc.moveTo(onCircle(context, radius, from));
-        arc.arcTo(radius, radius, 0, (to - from) * kTurn > std::numbers::pi, true, onCircle(context, radius, to));
+        arc.arcTo(radius, radius, 0, (to - from) * kTurn > std::numbers::pi, true,
+                  onCircle(context, radius, to));
         stroke(context, arc, *colour.get(), thickness_);
     }
 
@@ -209,7 +213,8 @@ private:
 class Axis {
 public:
     Axis(const View& view, const Properties& properties, const std::string& letter)
-        : view_(view), variable_(properties.has(letter + "Variable") ? properties.string(letter + "Variable") : ""),
+        : view_(view),
+          variable_(properties.has(letter + "Variable") ? properties.string(letter + "Variable") : ""),
           range_(properties.range(letter + "Range")), gesture_(view, variable_) {
         if (properties.has(letter + "Default")) {
             default_ = properties.number(letter + "Default");
@@ -219,7 +224,8 @@ public:
     double position() const { return position_; }
     bool refresh() {
         const auto text = given() ? view_.document().variables().find(variable_) : std::nullopt;
-        const double position = range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
+        const double position =
+            range_.position((text ? numberOf(*text) : std::nullopt).value_or(range_.from));
         return std::exchange(position_, position) != position;
     }
     void begin() {
@@ -323,16 +329,22 @@ private:
 } // namespace
 
 ViewType sliderType() {
-    return {"slider", "Moves a variable's value along a straight way.", {kValue, kOrientation, kSlider, kMenu, kBox, kFocus},
+    return {"slider",
+            "Moves a variable's value along a straight way.",
+            {kValue, kOrientation, kSlider, kMenu, kBox, kFocus},
             make<Slider>};
 }
 
 ViewType knobType() {
-    return {"knob", "Turns a variable's value: drag up and down.", {kValue, kKnob, kMenu, kFocus}, make<Knob>};
+    return {
+        "knob", "Turns a variable's value: drag up and down.", {kValue, kKnob, kMenu, kFocus}, make<Knob>};
 }
 
 ViewType dragAreaType() {
-    return {"dragArea", "A plane on which two variables are dragged at once.", {kDragArea, kMenu}, make<DragArea>};
+    return {"dragArea",
+            "A plane on which two variables are dragged at once.",
+            {kDragArea, kMenu},
+            make<DragArea>};
 }
 
 } // namespace Quilt
