@@ -266,7 +266,7 @@ TEST(PatchRandomiser, makesPatchesWorthHearing) {
     for (int i = 0; i < 500; ++i) {
         AtomicPatch patch;
         PatchRandomiser().randomise(patch);
-        EXPECT_THAT(patch.name(), testing::MatchesRegex("[a-z]+"));
+        EXPECT_EQ(patch.name().find_first_not_of("abcdefghijklmnopqrstuvwxyz"), std::string::npos);
         EXPECT_GE(patch.name().size(), 6u);
         EXPECT_LE(patch.name().size(), 22u);
         names.insert(patch.name());

@@ -31,8 +31,8 @@ TEST(Clipboard, exchangesTextWithOtherPrograms) {
     while (longText.size() < 1'500'000) {
         longText += "line\n";
     }
-    for (const std::string& text :
-         {std::string("Tr\xC3\xA4ume \xE2\x82\xAC \xF0\x9D\x84\x9E"), std::string("one\ntwo\n"), std::string(), longText}) {
+    for (const std::string& text : {std::string("Tr\xC3\xA4ume \xE2\x82\xAC \xF0\x9D\x84\x9E"),
+                                    std::string("one\ntwo\n"), std::string(), longText}) {
         clipboard->setText(text);
         EXPECT_TRUE(other->text() == text) << text.size() << " bytes";
     }

@@ -1,5 +1,5 @@
-// A host with one window: loads the plug-in, opens the editor, drags a knob with the real pointer, keeps a picture
-// of the screen, lets go of everything, and does so again and again.
+// A host with one window: loads the plug-in, opens the editor, drags a knob with the real pointer, keeps a
+// picture of the screen, lets go of everything, and does so again and again.
 //   editor_host PLUGIN PICTURE RELOADS
 // Exit 0: all was as it should be. 1: the lines say what was not.
 #include "platform/LoadedLibrary.h"
@@ -24,7 +24,7 @@ using namespace Vst2;
 
 namespace {
 
-constexpr int kPitch = 0;  // the host's number
+constexpr int kPitch = 0; // the host's number
 constexpr POINT kKnob = {45, 222};
 constexpr int kDragUp = 45;
 constexpr POINT kMenuButton = {450, 17};
@@ -98,7 +98,8 @@ class Plugin {
 public:
     explicit Plugin(const char* file) : library_(file) {
         auto* const entry = library_.function<AEffect*(audioMasterCallback)>("VSTPluginMain");
-        expect(entry && entry == library_.function<AEffect*(audioMasterCallback)>("main"), "both entries are one");
+        expect(entry && entry == library_.function<AEffect*(audioMasterCallback)>("main"),
+               "both entries are one");
         effect_ = entry ? entry(answer) : nullptr;
         if (!effect_) {
             throw std::runtime_error("the plug-in made no effect");
@@ -118,11 +119,14 @@ public:
     SIZE size() {
         ERect* rectangle = nullptr;
         call(effEditGetRect, &rectangle);
-        return rectangle ? SIZE{rectangle->right - rectangle->left, rectangle->bottom - rectangle->top} : SIZE{};
+        return rectangle ? SIZE{rectangle->right - rectangle->left, rectangle->bottom - rectangle->top}
+                         : SIZE{};
     }
 
-    // The host's loop for a while.
-    void run(DWORD milliseconds) {
+    void set(int parameter, float value) { effect_->setParameter(effect_, parameter, value); }
+
+    // The host's loop for a while. Some hosts know no idle time for editors.
+    void run(DWORD milliseconds, bool idles = true) {
         const DWORD start = GetTickCount();
         do {
             MSG message;
@@ -130,7 +134,9 @@ public:
                 TranslateMessage(&message);
                 DispatchMessageW(&message);
             }
-            call(effEditIdle);
+            if (idles) {
+                call(effEditIdle);
+            }
             Sleep(5);
         } while (GetTickCount() - start < milliseconds);
     }
@@ -146,8 +152,8 @@ HWND openParent(SIZE size) {
     kind.lpszClassName = L"editor host";
     kind.hInstance = GetModuleHandleW(nullptr);
     RegisterClassW(&kind);
-    const HWND window = CreateWindowExW(0, kind.lpszClassName, L"host", WS_POPUP | WS_VISIBLE, 100, 100, size.cx,
-                                        size.cy, nullptr, nullptr, kind.hInstance, nullptr);
+    const HWND window = CreateWindowExW(0, kind.lpszClassName, L"host", WS_POPUP | WS_VISIBLE, 100, 100,
+                                        size.cx, size.cy, nullptr, nullptr, kind.hInstance, nullptr);
     SetForegroundWindow(window);
     return window;
 }
@@ -258,6 +264,11 @@ void testEditor(const char* file, const char* pictureFile) {
     ShowWindow(parent, SW_SHOW);
     plugin.run(100);
     expect(photograph(parent, all).pixels == after.pixels, "exposed parts are repaired");
+
+    const Picture knobBefore = photograph(parent, knob);
+    plugin.set(kPitch, 0.1f);
+    plugin.run(1500, false);
+    expect(photograph(parent, knob).pixels != knobBefore.pixels, "the editor lives without idle calls");
 
     testMenu(plugin, parent);
     testKeysAndWheel(plugin, at);

@@ -86,7 +86,8 @@ private:
     std::thread thread_;
 };
 
-std::string reply(const std::string& body, const std::string& status = "200 OK", const std::string& more = {}) {
+std::string reply(const std::string& body, const std::string& status = "200 OK",
+                  const std::string& more = {}) {
     return "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" + more +
            "Connection: close\r\n\r\n" + body;
 }
@@ -106,11 +107,12 @@ HttpAnswer waitFor(HttpGet& get) {
 
 TEST(HttpGet, answersWithinItsBounds) {
     const std::string full(1000, 'x');
-    const LoopbackServer server({{"/ok", reply("hello")},
-                                 {"/full", reply(full)},
-                                 {"/long", reply(full + "x")},
-                                 {"/missing", reply("gone", "404 Not Found")},
-                                 {"/elsewhere", reply("", "302 Found", "Location: http://127.0.0.1:1/\r\n")}});
+    const LoopbackServer server(
+        {{"/ok", reply("hello")},
+         {"/full", reply(full)},
+         {"/long", reply(full + "x")},
+         {"/missing", reply("gone", "404 Not Found")},
+         {"/elsewhere", reply("", "302 Found", "Location: http://127.0.0.1:1/\r\n")}});
     struct Case {
         std::string address;
         int status;
@@ -124,7 +126,8 @@ TEST(HttpGet, answersWithinItsBounds) {
          "The answer of " + server.address("/long") + " is longer than 1000 bytes"},
         {server.address("/missing"), 404, "gone", ""},
         {server.address("/elsewhere"), 302, "", ""},
-        {server.address("/silent"), 0, "", "Could not fetch " + server.address("/silent") + ": Timeout was reached"},
+        {server.address("/silent"), 0, "",
+         "Could not fetch " + server.address("/silent") + ": Timeout was reached"},
         {"http://example.org/", 0, "", "Not an https address: http://example.org/"},
         {"http://localhost.example.org/", 0, "", "Not an https address: http://localhost.example.org/"},
     };

@@ -40,7 +40,8 @@ protected:
 void append(char letter) {
     RegistryValue record(kKey, "shared", std::chrono::seconds(60));
     for (int i = 0; i < kTimes; ++i) {
-        record.update([&](const std::string& contents) { return SharedRecord::Replacement{contents + letter}; });
+        record.update(
+            [&](const std::string& contents) { return SharedRecord::Replacement{contents + letter}; });
     }
 }
 
@@ -57,9 +58,9 @@ TEST_F(RegistryTest, storesAndSetsAside) {
         return SharedRecord::Replacement{bytes};
     });
     EXPECT_EQ(RegistryValue(kKey, "value").read(), bytes);
-    EXPECT_THROW(
-        record.update([](const std::string&) -> SharedRecord::Replacement { throw std::runtime_error("no"); }),
-        std::runtime_error);
+    EXPECT_THROW(record.update(
+                     [](const std::string&) -> SharedRecord::Replacement { throw std::runtime_error("no"); }),
+                 std::runtime_error);
     EXPECT_EQ(record.read(), bytes);
     record.update([](const std::string&) { return SharedRecord::Replacement{"two", true}; });
     EXPECT_EQ(record.read(), "two");
@@ -102,8 +103,8 @@ TEST_F(RegistryTest, losesNoChangeOfAnyProcessOrThread) {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION child{};
-    ASSERT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &child));
+    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                               &child));
     std::thread thread([] { append('a'); });
     append('b');
     thread.join();

@@ -64,7 +64,8 @@ class SystemClipboard final : public Clipboard {
 public:
     // The owner of what is put there is a window; this one is never seen.
     SystemClipboard()
-        : owner_(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {}
+        : owner_(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+    }
     ~SystemClipboard() override {
         if (owner_) {
             DestroyWindow(owner_);

@@ -98,7 +98,8 @@ private:
     void receive(HINTERNET document) {
         DWORD status = 0;
         DWORD size = sizeof status;
-        if (!HttpQueryInfoW(document, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr)) {
+        if (!HttpQueryInfoW(document, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size,
+                            nullptr)) {
             failed(GetLastError());
             return;
         }
@@ -114,8 +115,10 @@ private:
                 break;
             }
             if (answer.body.size() + count > request_.mostBytes) {
-                finish({0, {}, "The answer of " + request_.address + " is longer than " +
-                                   std::to_string(request_.mostBytes) + " bytes"});
+                finish({0,
+                        {},
+                        "The answer of " + request_.address + " is longer than " +
+                            std::to_string(request_.mostBytes) + " bytes"});
                 return;
             }
             answer.body.append(block.data(), count);
@@ -141,10 +144,9 @@ public:
     explicit InternetHttpGet(const HttpRequest& request)
         : address_(request.address), deadline_(Clock::now() + request.timeout) {
         const bool allowed = mayBeAsked(request.address);
-        const HINTERNET session =
-            allowed ? InternetOpenW(toWide(request.userAgent).c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr,
-                                    nullptr, 0)
-                    : nullptr;
+        const HINTERNET session = allowed ? InternetOpenW(toWide(request.userAgent).c_str(),
+                                                          INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)
+                                          : nullptr;
         const DWORD error = GetLastError();
         fetch_ = std::make_shared<Fetch>(request, session);
         if (!allowed) {
@@ -165,8 +167,8 @@ public:
             thread_.join();
             return;
         }
-        // A look-up of a name, say, cannot be called off. The thread ends when the system lets it, so the code
-        // that it then returns to has to stay.
+        // A look-up of a name, say, cannot be called off. The thread ends when the system lets it, so the
+        // code that it then returns to has to stay.
         HMODULE module = nullptr;
         GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
                            reinterpret_cast<LPCWSTR>(&internetWords), &module);

@@ -30,8 +30,9 @@ public:
         if (!mutex_) {
             fail("lock", key, name, GetLastError());
         }
-        const DWORD result =
-            heldHere() ? WAIT_TIMEOUT : WaitForSingleObject(mutex_.get(), static_cast<DWORD>(patience.count()));
+        const DWORD result = heldHere()
+                                 ? WAIT_TIMEOUT
+                                 : WaitForSingleObject(mutex_.get(), static_cast<DWORD>(patience.count()));
         // Abandoned: its holder died between two whole values, for a value is stored at once.
         if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED) {
             fail("lock", key, name, result == WAIT_TIMEOUT ? ERROR_SEM_TIMEOUT : GetLastError());
@@ -110,11 +111,12 @@ std::string RegistryValue::read() const {
 
 void RegistryValue::write(const std::wstring& name, const std::string& contents) const {
     HKEY key = nullptr;
-    LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, key_.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
-                                     nullptr);
+    LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, key_.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                                     &key, nullptr);
     if (result == ERROR_SUCCESS) {
-        result = RegSetValueExW(key, name.c_str(), 0, REG_BINARY, reinterpret_cast<const BYTE*>(contents.data()),
-                                static_cast<DWORD>(contents.size()));
+        result =
+            RegSetValueExW(key, name.c_str(), 0, REG_BINARY, reinterpret_cast<const BYTE*>(contents.data()),
+                           static_cast<DWORD>(contents.size()));
         RegCloseKey(key);
     }
     if (result != ERROR_SUCCESS) {

@@ -1,5 +1,5 @@
-// A shared record in a binary value of the user's registry, guarded by a named mutex. What is set aside goes to
-// the value NAME.damaged.
+// A shared record in a binary value of the user's registry, guarded by a named mutex. What is set aside goes
+// to the value NAME.damaged.
 #pragma once
 
 #include "platform/SharedRecord.h"

@@ -8,8 +8,8 @@ namespace Platform {
 
 std::wstring toWide(std::string_view utf8) {
     const int size = static_cast<int>(utf8.size());
-    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)),
-                      L'\0');
+    std::wstring wide(
+        static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)), L'\0');
     MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
     return wide;
 }
@@ -26,9 +26,8 @@ std::string toUtf8(std::wstring_view wide) {
 
 std::string systemWords(unsigned long code) {
     wchar_t text[512];
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
-                       static_cast<DWORD>(std::size(text)), nullptr);
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        code, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
     std::string words = toUtf8(std::wstring_view(text, length));
     while (!words.empty() && (words.back() == '\r' || words.back() == '\n' || words.back() == ' ')) {
         words.pop_back();

@@ -67,8 +67,8 @@ VirtualKey virtualKeyOf(int code, bool extended) {
 char32_t plainCharacter(int code) {
     constexpr UINT kCharacter = 0xFFFF; // the bits above say that it is a dead key
     const UINT character = MapVirtualKeyW(static_cast<UINT>(code), MAPVK_VK_TO_CHAR) & kCharacter;
-    const auto lower = reinterpret_cast<UINT_PTR>(
-        CharLowerW(reinterpret_cast<LPWSTR>(static_cast<UINT_PTR>(character)))); // one letter in place of a text
+    const auto lower = reinterpret_cast<UINT_PTR>(CharLowerW(
+        reinterpret_cast<LPWSTR>(static_cast<UINT_PTR>(character)))); // one letter in place of a text
     return lower >= 0x20 ? static_cast<char32_t>(lower) : 0;
 }
 

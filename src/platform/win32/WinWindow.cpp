@@ -82,8 +82,8 @@ WinWindow::WinWindow(HWND parent, const std::string& title, Size wanted, WindowL
       surface_(std::make_unique<GdiSurface>(bounded(wanted))), parent_(parent) {
     const Size outer = outerSize(!parent, bounded(wanted));
     const int place = parent ? 0 : CW_USEDEFAULT;
-    window_ = CreateWindowExW(0, class_.name(), toWide(title).c_str(), parent ? kChildStyle : kTopLevelStyle, place,
-                              place, outer.width, outer.height, parent, nullptr,
+    window_ = CreateWindowExW(0, class_.name(), toWide(title).c_str(), parent ? kChildStyle : kTopLevelStyle,
+                              place, place, outer.width, outer.height, parent, nullptr,
                               static_cast<HINSTANCE>(thisModule()), nullptr);
     if (!window_) {
         throw std::runtime_error("The system refused a window: " + systemWords(GetLastError()));
@@ -135,9 +135,11 @@ void WinWindow::resize(Size wanted) {
     if (!window_ || size == surface_->size()) {
         return;
     }
-    surface_ = std::make_unique<GdiSurface>(size); // first, so that the change is not taken for somebody else's
+    surface_ =
+        std::make_unique<GdiSurface>(size); // first, so that the change is not taken for somebody else's
     const Size outer = outerSize(!parent_, size);
-    SetWindowPos(window_, nullptr, 0, 0, outer.width, outer.height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window_, nullptr, 0, 0, outer.width, outer.height,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void WinWindow::setCursor(Cursor cursor) {
