@@ -1,14 +1,18 @@
-// Any text is a layout document: it is loaded, lives for a while, is loaded anew at another scale and closed.
-// Names of documents in it lead back to the text itself.
+// Any text is a layout document: it is loaded, lives for a while under a hand that plays with it, is drawn in
+// part, loaded anew at another scale and closed. Names of documents in it lead back to the text itself.
+#include "drawing/Surface.h"
 #include "images/ImageLibrary.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -54,6 +58,40 @@ void check(const Quilt::View& view) {
     }
 }
 
+// Presses, drags, turns and types here and there. Where depends on the text alone, so that failures repeat.
+void play(Quilt::Editor& editor, Surroundings& surroundings, std::uint32_t seed) {
+    std::minstd_rand random(seed);
+    const auto below = [&random](int limit) {
+        return static_cast<int>(random() % static_cast<unsigned>(limit));
+    };
+    Drawing::Surface picture(160, 120);
+    for (int i = 0; i < 12; ++i) {
+        Quilt::MouseEvent mouse;
+        mouse.at = {below(600), below(420)};
+        mouse.button = static_cast<Quilt::MouseButton>(below(3));
+        mouse.clicks = 1 + below(2);
+        mouse.modifiers.shift = below(2) == 0;
+        editor.mouseMoved(mouse);
+        editor.mousePressed(mouse);
+        if (below(3) > 0) {
+            surroundings.time += std::chrono::milliseconds(below(700));
+            editor.tick();
+        }
+        Quilt::KeyEvent key;
+        key.key = static_cast<Quilt::Key>(below(14));
+        key.character = key.key == Quilt::Key::character ? U'0' + static_cast<char32_t>(below(60)) : 0;
+        editor.key(key);
+        mouse.at = {below(600), below(420)};
+        editor.mouseMoved(mouse);
+        if (below(4) > 0) {
+            editor.mouseReleased(mouse);
+        }
+        editor.wheel({mouse.at, 1.0 - below(3), mouse.modifiers});
+        editor.draw(picture.view(), {below(100), below(80), 40, 40});
+    }
+    editor.captureLost();
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -75,8 +113,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         editor.tick();
     }
     check(*editor.root());
+    const auto seed = static_cast<std::uint32_t>(std::hash<std::string>()(documents.text));
+    play(editor, surroundings, seed);
     editor.variables().set("uiScale", "5/4");
     editor.tick();
     check(*editor.root());
+    play(editor, surroundings, seed + 1);
     return 0;
 }
