@@ -22,17 +22,28 @@ constexpr Property kCommon[] = {
      "arrow hand text vertical horizontal move cross forbidden"},
 };
 
+void appendQuoted(std::string& text, std::string_view word) {
+    text.append("`").append(word).append("`");
+}
+
 void appendRows(std::string& text, std::span<const Property> rows) {
     for (const Property& row : rows) {
-        text += "| `" + std::string(row.name) + "` | " + std::string(kindText(row.kind)) + " | ";
-        text += row.required ? "required" : row.fallback.empty() ? "" : "`" + std::string(row.fallback) + "`";
-        text += " | " + std::string(row.about);
+        text += "| ";
+        appendQuoted(text, row.name);
+        text.append(" | ").append(kindText(row.kind)).append(" | ");
+        if (row.required) {
+            text += "required";
+        } else if (!row.fallback.empty()) {
+            appendQuoted(text, row.fallback);
+        }
+        text.append(" | ").append(row.about);
         if (!row.choices.empty()) {
             text += " One of";
             for (const auto word : words(row.choices)) {
-                text += " `" + std::string(word) + "`";
+                text += ' ';
+                appendQuoted(text, word);
             }
-            text += ".";
+            text += '.';
         }
         text += " |\n";
     }
