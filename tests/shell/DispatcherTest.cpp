@@ -193,19 +193,6 @@ TEST(Dispatcher, speakersAndPins) {
     }
 }
 
-TEST(Dispatcher, hasNoRectangleWithoutAnEditor) {
-    PluginHost host;
-    if (host.effect->flags & effFlagsHasEditor) {
-        GTEST_SKIP() << "this build has an editor";
-    }
-    ERect rectangle{};
-    ERect* answer = &rectangle;
-    EXPECT_EQ(host.call(effEditGetRect, 0, 0, &answer), 0);
-    EXPECT_EQ(answer, nullptr);
-    EXPECT_EQ(host.call(effEditOpen), 0);
-    EXPECT_EQ(host.call(effEditKeyDown, 'a'), 0);
-}
-
 TEST(Habits, everyOpcodeWithNothingInIt) {
     for (const bool started : {false, true}) {
         PluginHost host;
