@@ -72,6 +72,8 @@ TEST_F(BridgeCommandTest, ChangeParam) {
         {"do changeParam { param: pitch, toggle: true }", "host: automate 0 1\nok"},
         {"checked changeParam { param: pitch, toggle: true }", "true"},
         {"do changeParam { param: pitch, by: 0.25 }", "ok"},
+        {"enabled changeParam { param: pitch, by: 0.25, whenEqual: disabled }", "false"}, // nowhere to go
+        {"enabled changeParam { param: pitch, by: -0.25, whenEqual: disabled }", "true"},
         {"do changeParam { param: pitch, by: -0.25 }", "host: automate 0 0.75\nok"},
         {"do changeParam { param: pitch, to: 0.25 }", "host: automate 0 0.25\nok"},
         {"checked changeParam { param: pitch, to: 0.25 }", "true"},
