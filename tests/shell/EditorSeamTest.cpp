@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <new>
 
@@ -40,7 +39,6 @@ void shown(const std::string& title, const std::string& text) noexcept {
 
 struct EditorSeam : testing::Test {
     EditorSeam() {
-        ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
         happened.clear();
         trouble = {};
     }

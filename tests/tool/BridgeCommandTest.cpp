@@ -13,6 +13,12 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::StartsWith;
 
+#if defined(_WIN32)
+constexpr const char* kSystem = "\"windows\"";
+#else
+constexpr const char* kSystem = "\"linux\"";
+#endif
+
 class BridgeCommandTest : public CommandRun::CommandTest {
 protected:
     std::vector<std::string> answers(const std::string& input, const std::string& preferences = {}) const {
@@ -249,7 +255,7 @@ TEST_F(BridgeCommandTest, ReadOnlyAndUnknownNames) {
     expectDialogue({
         {"get MODEL.NAME", "\"Murmelon\""},
         {"get MODEL.VERSION", "\"1.6.2\""},
-        {"get PLATFORM.OS", "\"linux\""},
+        {"get PLATFORM.OS", kSystem},
         {"get isEnabled", "\"true\""},
         {"get modalLayout", "error: Unknown variable: modalLayout"},
         {"get preferences.", "error: Unknown variable: preferences."},

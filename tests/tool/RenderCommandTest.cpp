@@ -59,7 +59,7 @@ class RenderCommandTest : public CommandRun::CommandTest {
 protected:
     void SetUp() override {
         CommandTest::SetUp();
-        setenv("PROBE_LOG", (folder_ / "log").c_str(), 1);
+        CommandRun::setVariable("PROBE_LOG", folder_ / "log");
     }
 
     CommandRun::Result probe(std::vector<std::string> options, const std::string& out = "out.wav") {

@@ -1,0 +1,168 @@
+#include "CommandRun.h"
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#if defined(_WIN32)
+#include <windows.h>
+
+#include <stdexcept>
+#else
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#endif
+
+namespace CommandRun {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The three streams of a run, in its folder.
+constexpr const char* kInput = ".input";
+constexpr const char* kOutput = ".output";
+constexpr const char* kErrors = ".errors";
+
+#if defined(_WIN32)
+
+std::wstring wide(const std::string& utf8) {
+    return fs::path(std::u8string(utf8.begin(), utf8.end())).wstring();
+}
+
+// As programs take their command line apart: backslashes count only before a quotation mark.
+std::wstring quoted(const std::wstring& text) {
+    std::wstring result = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t c : text) {
+        result.append(c == L'"' ? backslashes + 1 : 0, L'\\');
+        backslashes = c == L'\\' ? backslashes + 1 : 0;
+        result += c;
+    }
+    return result.append(backslashes, L'\\') + L'"';
+}
+
+HANDLE opened(const fs::path& path, DWORD access, DWORD disposition) {
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ, &inherited, disposition, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        throw std::runtime_error("no file for a stream of the command");
+    }
+    return file;
+}
+
+int start(const fs::path& folder, const std::vector<std::string>& words) {
+    std::wstring line;
+    for (const std::string& word : words) {
+        line += (line.empty() ? L"" : L" ") + quoted(wide(word));
+    }
+    STARTUPINFOW how{};
+    how.cb = sizeof how;
+    how.dwFlags = STARTF_USESTDHANDLES;
+    how.hStdInput = opened(folder / kInput, GENERIC_READ, OPEN_EXISTING);
+    how.hStdOutput = opened(folder / kOutput, GENERIC_WRITE, CREATE_ALWAYS);
+    how.hStdError = opened(folder / kErrors, GENERIC_WRITE, CREATE_ALWAYS);
+    PROCESS_INFORMATION process{};
+    const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(),
+                                        &how, &process) != 0;
+    for (const HANDLE stream : {how.hStdInput, how.hStdOutput, how.hStdError}) {
+        CloseHandle(stream);
+    }
+    if (!started) {
+        throw std::runtime_error("the command does not start");
+    }
+    DWORD status = 0;
+    WaitForSingleObject(process.hProcess, INFINITE);
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hProcess);
+    CloseHandle(process.hThread);
+    return static_cast<int>(status);
+}
+
+int thisProcess() {
+    return static_cast<int>(GetCurrentProcessId());
+}
+
+#else
+
+std::string quoted(const std::string& text) {
+    std::string result = "'";
+    for (const char c : text) {
+        if (c == '\'') {
+            result += "'\\'"; // closes, an escaped quote, opens again
+        }
+        result += c;
+    }
+    return result += "'";
+}
+
+int start(const fs::path& folder, const std::vector<std::string>& words) {
+    std::string line = "cd " + quoted(folder.string()) + " &&";
+    for (const std::string& word : words) {
+        line += " " + quoted(word);
+    }
+    for (const auto& [sign, name] : {std::pair("<", kInput), std::pair(">", kOutput), std::pair("2>", kErrors)}) {
+        line.append(" ").append(sign).append(name);
+    }
+    const int status = std::system(line.c_str());
+    return WEXITSTATUS(status);
+}
+
+int thisProcess() {
+    return getpid();
+}
+
+#endif
+
+} // namespace
+
+std::string contentsOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void setVariable(const char* name, const fs::path& value) {
+#if defined(_WIN32)
+    SetEnvironmentVariableW(wide(name).c_str(), value.c_str());
+#else
+    setenv(name, value.c_str(), 1);
+#endif
+}
+
+CommandTest::CommandTest()
+    : folder_(fs::temp_directory_path() / ("murmelon-tool-" + std::to_string(thisProcess()) + "-" +
+                                           testing::UnitTest::GetInstance()->current_test_info()->name())) {}
+
+// The command itself keeps settings only where it is told to; a plug-in that it loads has its own.
+void CommandTest::SetUp() {
+    fs::create_directories(folder_);
+    setVariable("XDG_CONFIG_HOME", folder_);
+}
+
+// Windows lets go of an ended program's files a moment later.
+void CommandTest::TearDown() {
+    std::error_code error;
+    for (int i = 0; i < 100 && (fs::remove_all(folder_, error), error); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    EXPECT_FALSE(error) << error.message();
+}
+
+void CommandTest::write(const std::string& name, const std::string& contents) const {
+    std::ofstream(folder_ / name, std::ios::binary) << contents;
+}
+
+Result CommandTest::run(const std::vector<std::string>& arguments, const std::string& input) const {
+    write(kInput, input);
+    std::vector<std::string> words = {MURMELON_COMMAND};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const int status = start(folder_, words);
+    return {status, read(kOutput), read(kErrors)};
+}
+
+} // namespace CommandRun
