@@ -82,3 +82,12 @@ TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
     EXPECT_EQ(run({"midiconfig", "-"}, "MurmelonMidiConfig: { }").errors,
               "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
 }
+
+TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"params"}, {"--version"}, {"params", "--help"}, {"stackbrace", "quote", "-"}}) {
+        const auto result = run(command, "a", "/dev/full");
+        EXPECT_EQ(result.status, 1) << command.front();
+        EXPECT_EQ(result.errors, "error: Could not write to standard output: No space left on device\n");
+    }
+}
