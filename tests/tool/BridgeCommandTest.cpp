@@ -246,6 +246,48 @@ TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
     });
 }
 
+TEST_F(BridgeCommandTest, MidiConfigurationShowsInMenus) {
+    expectDialogue({
+        {"checked changeMidiConfig { inputChannel: any }", "true"},
+        {"checked changeMidiConfig { inputChannel: 3 }", "false"},
+        {"do changeMidiConfig { inputChannel: 3, masterTuning: 442 }", "ok"},
+        {"checked changeMidiConfig { inputChannel: 3 }", "true"},
+        {"checked changeMidiConfig { masterTuning: 442.0 }", "true"},
+        {"checked changeMidiConfig { inputChannel: 3, masterTuning: 440 }", "false"},
+        {"checked changeMidiConfig { toggle: programChanges }", "false"},
+        {"do changeMidiConfig { toggle: programChanges }", "ok"},
+        {"checked changeMidiConfig { toggle: programChanges }", "true"},
+        {"get midiConfig.programChanges", "\"true\""},
+        {"get midiConfig.inputChannel", "\"3\""},
+        {"do changeMidiConfig { toggle: pitchBendHeldOnly }", "ok"},
+        {"do changeMidiConfig { toggle: programKeysEnabled }", "ok"},
+        {"do changeMidiConfig { toggle: programChanges }", "ok"},
+        {"get midiConfig.pitchBendHeldOnly", "\"true\""},
+        {"get midiConfig.programKeys.enabled", "\"true\""},
+        {"get midiConfig.programChanges", "\"false\""},
+        {"do changeMidiConfig { toggle: inputChannel }",
+         "error: Invalid action params for changeMidiConfig: { toggle: inputChannel }"},
+        {"do changeMidiConfig { toggle: programChanges, inputChannel: 1 }",
+         "error: Invalid action params for changeMidiConfig: { toggle: programChanges, inputChannel: 1 }"},
+        {"checked changeMidiConfig { inputChannel: 0 }",
+         "error: input midi channel in midi configuration is out of range"},
+
+        {"enabled midiAssign { variable: params.mix, unassign: true }", "false"},
+        {"enabled midiAssign { variable: params.mix, cancel: true }", "false"},
+        {"checked midiAssign { variable: params.mix, learn: true }", "false"},
+        {"do midiAssign { variable: params.mix, learn: true }", "ok"},
+        {"checked midiAssign { variable: params.mix, learn: true }", "true"},
+        {"checked midiAssign { variable: params.pitch, learn: true }", "false"},
+        {"enabled midiAssign { variable: params.mix, cancel: true }", "true"},
+        {"do midiAssign { variable: params.mix, cc: 7 }", "ok"},
+        {"checked midiAssign { variable: params.mix, cc: 7 }", "true"},
+        {"checked midiAssign { variable: params.mix, cc: 8 }", "false"},
+        {"enabled midiAssign { variable: params.mix, unassign: true }", "true"},
+        {"enabled midiAssign { variable: params.mix }",
+         "error: Invalid action params for midiAssign: { variable: params.mix }"},
+    });
+}
+
 TEST_F(BridgeCommandTest, ReadOnlyAndUnknownNames) {
     for (const char* name : {"feedbacks.pitch", "patch.modified", "patch.identity", "undo.description", "isEnabled",
                              "programNumber", "midiConfig.assignedCount", "midiLearnCC", "MODEL.NAME",

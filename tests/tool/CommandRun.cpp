@@ -24,16 +24,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The three streams of a run, in its folder.
+fs::path pathOf(const std::string& utf8) {
+    return std::u8string(utf8.begin(), utf8.end());
+}
+
+// The streams of a run, in its folder.
 constexpr const char* kInput = ".input";
-constexpr const char* kOutput = ".output";
 constexpr const char* kErrors = ".errors";
 
 #if defined(_WIN32)
-
-std::wstring wide(const std::string& utf8) {
-    return fs::path(std::u8string(utf8.begin(), utf8.end())).wstring();
-}
 
 // As programs take their command line apart: backslashes count only before a quotation mark.
 std::wstring quoted(const std::wstring& text) {
@@ -56,16 +55,17 @@ HANDLE opened(const fs::path& path, DWORD access, DWORD disposition) {
     return file;
 }
 
-int start(const fs::path& folder, const std::vector<std::string>& words) {
+int start(const fs::path& folder, const std::vector<std::string>& words, const std::string& output) {
     std::wstring line;
     for (const std::string& word : words) {
-        line += (line.empty() ? L"" : L" ") + quoted(wide(word));
+        line += (line.empty() ? L"" : L" ") + quoted(pathOf(word).wstring());
     }
     STARTUPINFOW how{};
     how.cb = sizeof how;
     how.dwFlags = STARTF_USESTDHANDLES;
     how.hStdInput = opened(folder / kInput, GENERIC_READ, OPEN_EXISTING);
-    how.hStdOutput = opened(folder / kOutput, GENERIC_WRITE, CREATE_ALWAYS);
+    how.hStdOutput = output == kFull ? opened(folder / kInput, GENERIC_READ, OPEN_EXISTING)
+                                     : opened(folder / output, GENERIC_WRITE, CREATE_ALWAYS);
     how.hStdError = opened(folder / kErrors, GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
     const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(),
@@ -101,12 +101,12 @@ std::string quoted(const std::string& text) {
     return result += "'";
 }
 
-int start(const fs::path& folder, const std::vector<std::string>& words) {
+int start(const fs::path& folder, const std::vector<std::string>& words, const std::string& output) {
     std::string line = "cd " + quoted(folder.string()) + " &&";
     for (const std::string& word : words) {
         line += " " + quoted(word);
     }
-    for (const auto& [sign, name] : {std::pair("<", kInput), std::pair(">", kOutput), std::pair("2>", kErrors)}) {
+    for (const auto& [sign, name] : {std::pair("<", kInput), std::pair(">", output.c_str()), std::pair("2>", kErrors)}) {
         line.append(" ").append(sign).append(name);
     }
     const int status = std::system(line.c_str());
@@ -128,7 +128,7 @@ std::string contentsOf(const fs::path& path) {
 
 void setVariable(const char* name, const fs::path& value) {
 #if defined(_WIN32)
-    SetEnvironmentVariableW(wide(name).c_str(), value.c_str());
+    SetEnvironmentVariableW(pathOf(name).c_str(), value.c_str());
 #else
     setenv(name, value.c_str(), 1);
 #endif
@@ -154,14 +154,19 @@ void CommandTest::TearDown() {
 }
 
 void CommandTest::write(const std::string& name, const std::string& contents) const {
-    std::ofstream(folder_ / name, std::ios::binary) << contents;
+    std::ofstream(folder_ / pathOf(name), std::ios::binary) << contents;
 }
 
-Result CommandTest::run(const std::vector<std::string>& arguments, const std::string& input) const {
+std::string CommandTest::read(const std::string& name) const {
+    return contentsOf(folder_ / pathOf(name));
+}
+
+Result CommandTest::run(const std::vector<std::string>& arguments, const std::string& input,
+                        const std::string& output) const {
     write(kInput, input);
     std::vector<std::string> words = {MURMELON_COMMAND};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    const int status = start(folder_, words);
+    const int status = start(folder_, words, output);
     return {status, read(kOutput), read(kErrors)};
 }
 

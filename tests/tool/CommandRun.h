@@ -15,6 +15,16 @@ struct Result {
     std::string errors;
 };
 
+inline constexpr const char* kOutput = ".output";
+
+// An output that takes nothing, and what the system says of it.
+inline constexpr const char* kFull = "/dev/full";
+#if defined(_WIN32)
+inline constexpr const char* kFullError = "Bad file descriptor"; // opened for reading: there is no such device
+#else
+inline constexpr const char* kFullError = "No space left on device";
+#endif
+
 std::string contentsOf(const std::filesystem::path& path);
 
 // In the environment of the commands to come.
@@ -29,9 +39,11 @@ protected:
     void TearDown() override;
 
     void write(const std::string& name, const std::string& contents) const;
-    std::string read(const std::string& name) const { return contentsOf(folder_ / name); }
+    std::string read(const std::string& name) const;
 
-    Result run(const std::vector<std::string>& arguments, const std::string& input = {}) const;
+    // Results go to the file `output`.
+    Result run(const std::vector<std::string>& arguments, const std::string& input = {},
+               const std::string& output = kOutput) const;
 
     std::filesystem::path folder_;
 };
