@@ -1,5 +1,7 @@
 #include "platform/AtomicFileWrite.h"
 
+#include "platform/PathText.h"
+
 #include <atomic>
 #include <cerrno>
 #include <fstream>
@@ -27,7 +29,7 @@ std::filesystem::path temporaryBeside(const std::filesystem::path& path) {
 }
 
 [[noreturn]] void fail(const std::filesystem::path& path, const std::string& why) {
-    throw std::runtime_error("Could not write " + path.string() + ": " + why);
+    throw std::runtime_error("Could not write " + utf8Of(path) + ": " + why);
 }
 
 } // namespace

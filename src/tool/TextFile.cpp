@@ -1,6 +1,7 @@
 #include "tool/TextFile.h"
 
 #include "platform/FileRead.h"
+#include "platform/PathText.h"
 
 #include <iostream>
 
@@ -10,7 +11,7 @@ std::string readTextFile(const std::string& name) {
     if (name == "-") {
         return Platform::readAll(std::cin);
     }
-    return Platform::readFile(name);
+    return Platform::readFile(Platform::pathFromUtf8(name));
 }
 
 std::string sourceName(const std::string& name) {

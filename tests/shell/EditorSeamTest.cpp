@@ -70,7 +70,7 @@ TEST_F(EditorSeam, theEditorIsDriven) {
     EXPECT_EQ(call(effect, effEditKeyDown, 0, VKEY_SPACE), 0); // the host's
     EXPECT_EQ(call(effect, effEditClose), 1);
     EXPECT_EQ(call(effect, effClose), 1);
-    EXPECT_THAT(happened, ElementsAre("open 77", "idle", "close", "gone"));
+    EXPECT_THAT(happened, ElementsAre("open 77", "idle", "close", "close", "gone"));
 }
 
 TEST_F(EditorSeam, troubleIsShownAndTheEffectLivesOn) {

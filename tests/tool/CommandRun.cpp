@@ -47,8 +47,9 @@ std::wstring quoted(const std::wstring& text) {
 }
 
 HANDLE opened(const fs::path& path, DWORD access, DWORD disposition) {
+    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ, &inherited, disposition, 0, nullptr);
+    const HANDLE file = CreateFileW(path.c_str(), access, kShared, &inherited, disposition, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         throw std::runtime_error("no file for a stream of the command");
     }
@@ -68,8 +69,8 @@ int start(const fs::path& folder, const std::vector<std::string>& words, const s
                                      : opened(folder / output, GENERIC_WRITE, CREATE_ALWAYS);
     how.hStdError = opened(folder / kErrors, GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
-    const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(),
-                                        &how, &process) != 0;
+    const bool started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
+                                        folder.c_str(), &how, &process) != 0;
     for (const HANDLE stream : {how.hStdInput, how.hStdOutput, how.hStdError}) {
         CloseHandle(stream);
     }

@@ -95,11 +95,11 @@ TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
 
 TEST_F(NotationCommandTest, filesMayBeCalledAnything) {
     const std::string name = "Tr\xC3\xA4ume \xE9\x9F\xB3 '\xF0\x9D\x84\x9E' %TEMP%";
-    write(name, "MurmelonPatch: { format: 1 }");
+    write(name, "MurmelonPatch: { format: 1, name: One }");
     EXPECT_EQ(run({"patch", name}).errors, "");
     EXPECT_EQ(run({"bank", "--make", name + ".fxb", name}).errors, "");
     EXPECT_EQ(run({"bank", name + ".fxb", "--export", name + " to"}).errors, "");
-    EXPECT_EQ(run({"patch", name + " to/01 .kvmp"}).errors, "");
+    EXPECT_EQ(run({"patch", name + " to/01 One.kvmp"}).errors, "");
     EXPECT_EQ(run({"patch", name + "2"}).errors, "error: Could not read " + name + "2: No such file or directory\n");
     const auto unwritten = run({"bank", "--make", name + "2/b.fxb", name});
     EXPECT_EQ(unwritten.errors, "error: Could not write " + name + "2/b.fxb: No such file or directory\n");
