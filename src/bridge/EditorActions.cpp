@@ -78,6 +78,8 @@ Quilt::ActionState EditorActions::state(std::string_view action, std::string_vie
         state.enabled = effect_.patches().history().canUndo();
     } else if (action == "redo") {
         state.enabled = effect_.patches().history().canRedo();
+    } else if (action == "changeMidiConfig") {
+        state.checked = isMidiConfig(params);
     } else if (action == "toggleVersionCheck") {
         state.checked = versionCheck();
     } else if (std::ranges::find(table(), action, &Row::name) == table().end()) {

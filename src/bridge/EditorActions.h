@@ -59,6 +59,7 @@ private:
     void saveMidiConfig(const Call& call);
     void makeMidiConfigDefault(const Call& call);
     void changeMidiConfig(const Call& call);
+    bool isMidiConfig(std::string_view params) const; // what changeMidiConfig would make it
     void midiAssign(const Call& call);
     void sendMidi(const Call& call);
 

@@ -29,25 +29,41 @@ FileQuestion midiConfigQuestion(FileQuestion::Kind kind, const Model::MidiConfig
     return question;
 }
 
-// The configuration's text with some of its entries replaced.
-std::string withChanges(const Model::MidiConfig& config, const Stackbrace::Structure& changes,
-                        std::string_view params) {
+enum class Toggle { turns, isOn };
+
+std::string_view toggled(std::string_view present, Toggle toggle) {
+    return toggle == Toggle::isOn || present == "false" ? "true" : "false";
+}
+
+// The configuration's text with some of its entries replaced. `toggle` as the value of a switch turns it; asking
+// for what is, it stands for a switch that is on.
+std::string withChanges(const Model::MidiConfig& config, std::string_view params, Toggle toggle) {
+    const Stackbrace::Document changeDocument{std::string(params)};
+    const auto changes = changeDocument.root().structure();
     const Stackbrace::Document document(Model::writeMidiConfig(config));
     const auto root = document.root().structure();
     const auto present = root.at(Model::kMidiConfigKey).structure();
     for (const auto& [key, value] : changes) {
-        if (!present.find(key)) {
+        const auto* const now = present.find(key);
+        if (now == nullptr || (value.raw() == "toggle" && now->raw() != "true" && now->raw() != "false")) {
             throw std::runtime_error("Invalid action params for changeMidiConfig: " + std::string(params));
         }
     }
     Stackbrace::Writer writer;
     writer.begin(Model::kMidiConfigKey);
     for (const auto& [key, value] : present) {
-        const auto* changed = changes.find(key);
-        writer.value(key, changed ? changed->raw() : value.raw());
+        const auto* const changed = changes.find(key);
+        const std::string_view raw = changed == nullptr ? value.raw() : changed->raw();
+        writer.value(key, raw == "toggle" ? toggled(value.raw(), toggle) : raw);
     }
     writer.end();
     return writer.take();
+}
+
+Model::MidiConfig changed(const Model::MidiConfig& present, std::string_view params, Toggle toggle) {
+    Model::MidiConfig config;
+    Model::readMidiConfig(withChanges(present, params, toggle), config);
+    return config;
 }
 
 } // namespace
@@ -72,11 +88,12 @@ void EditorActions::makeMidiConfigDefault(const Call&) {
 
 // Takes any of the keys of the configuration's text. "ccAssignments" replaces all assignments.
 void EditorActions::changeMidiConfig(const Call& call) {
-    const Stackbrace::Document document{std::string(call.params)};
+    effect_.midiConfigs().replace(changed(effect_.midiConfigs().config(), call.params, Toggle::turns));
+}
+
+bool EditorActions::isMidiConfig(std::string_view params) const {
     const Model::MidiConfig& present = effect_.midiConfigs().config();
-    Model::MidiConfig config;
-    Model::readMidiConfig(withChanges(present, document.root().structure(), call.params), config);
-    effect_.midiConfigs().replace(config);
+    return changed(present, params, Toggle::isOn) == present;
 }
 
 // { variable: params.pitch, learn: true }, { …, cc: 20 }, { …, unassign: true } or { …, cancel: true }. For the
