@@ -82,3 +82,17 @@ TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
     EXPECT_EQ(run({"midiconfig", "-"}, "MurmelonMidiConfig: { }").errors,
               "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
 }
+
+TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
+    const std::string error = "error: Could not write to standard output";
+    const std::pair<std::vector<std::string>, std::string> rows[] = {
+        {{"--version"}, error + "\n"}, // which flushes, and then nobody knows why
+        {{"params"}, error + ": No space left on device\n"},
+        {{"stackbrace", "quote", "-"}, error + ": No space left on device\n"},
+    };
+    for (const auto& [command, errors] : rows) {
+        const auto result = run(command, "a", "/dev/full");
+        EXPECT_EQ(result.status, 1) << command.front();
+        EXPECT_EQ(result.errors, errors) << command.front();
+    }
+}
