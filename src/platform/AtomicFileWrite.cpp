@@ -39,7 +39,7 @@ void atomicFileWrite(const std::filesystem::path& path,
     try {
         write(temporary);
     } catch (...) {
-        std::filesystem::remove(temporary, error);
+        std::filesystem::remove_all(temporary, error);
         throw;
     }
     // A file that is replaced keeps its permissions.
@@ -50,7 +50,7 @@ void atomicFileWrite(const std::filesystem::path& path,
     std::filesystem::rename(temporary, path, error);
     if (error) {
         std::error_code ignored;
-        std::filesystem::remove(temporary, ignored);
+        std::filesystem::remove_all(temporary, ignored);
         fail(path, error.message());
     }
 }

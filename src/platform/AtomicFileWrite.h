@@ -12,7 +12,8 @@ namespace Platform {
 void atomicFileWrite(const std::filesystem::path& path, std::string_view contents);
 
 // The same for writers that need a path of their own (sound and picture libraries): `write` is handed the
-// path of the temporary file, which keeps the target's extension, and reports failure by throwing.
+// path of the temporary file, which keeps the target's extension, and reports failure by throwing. It may make
+// a folder there, for a target that does not exist.
 void atomicFileWrite(const std::filesystem::path& path,
                      const std::function<void(const std::filesystem::path& temporary)>& write);
 

@@ -36,6 +36,7 @@ protected:
     void SetUp() override {
         std::filesystem::create_directories(folder_);
         setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }
 
