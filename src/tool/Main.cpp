@@ -7,8 +7,13 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -51,13 +56,28 @@ int run(int argc, char** argv) {
     return 0;
 }
 
+// Results that have not reached their file are no results: the disk may be full.
+void finishOutput() {
+    errno = 0;
+    std::cout.flush();
+    if (std::cout && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+        return;
+    }
+    const int why = errno;
+    throw std::runtime_error("Could not write standard output" +
+                             (why != 0 ? ": " + std::error_code(why, std::generic_category()).message()
+                                       : std::string()));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     try {
         Platform::keepStandardStreamsUnchanged();
         const int status = run(argc, argv);
-        std::cout.flush();
+        if (status == 0) {
+            finishOutput();
+        }
         return status;
     } catch (const std::exception& error) {
         std::cout.flush();
