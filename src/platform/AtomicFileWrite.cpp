@@ -14,15 +14,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Unlike every other name in the folder with near certainty, across processes and threads. The target's own
-// name is not in it: that may be as long as names can be.
+// Unlike every other name in the folder with near certainty, across processes and threads. Of the target's name
+// it has the extension alone: that name may be as long as names can be.
 fs::path temporaryBeside(const fs::path& path) {
+    constexpr std::size_t kLongestExtension = 32;
     static std::atomic<unsigned> counter{0};
     std::random_device random;
     auto name = fs::path(".murmelon-");
     name += std::to_string(random());
     name += '-';
     name += std::to_string(++counter);
+    if (const fs::path extension = path.extension(); extension.native().size() <= kLongestExtension) {
+        name += extension;
+    }
     return path.parent_path() / name;
 }
 
@@ -46,44 +50,43 @@ bool isReplaceable(fs::file_type type) {
     throw std::runtime_error("Could not write " + path.string() + ": " + why);
 }
 
-std::string whyLastCallFailed() {
-    return std::error_code(errno, std::generic_category()).message();
-}
-
-bool writeTo(const fs::path& path, std::string_view contents) {
-    std::ofstream file(path, std::ios::binary);
-    file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-    file.close();
-    return !file.fail();
-}
-
 } // namespace
 
-void atomicFileWrite(const fs::path& path, std::string_view contents) {
+void atomicFileWrite(const fs::path& path, const std::function<void(const fs::path& temporary)>& write) {
     std::error_code error;
     const auto status = fs::status(path, error);
     if (!isReplaceable(status.type())) {
-        if (!writeTo(path, contents)) {
-            fail(path, whyLastCallFailed());
-        }
+        write(path);
         return;
     }
     const fs::path target = behindLinks(path);
     const fs::path temporary = temporaryBeside(target);
-    if (!writeTo(temporary, contents)) {
-        const std::string why = whyLastCallFailed();
-        fs::remove(temporary, error);
-        fail(path, why);
+    try {
+        write(temporary);
+    } catch (...) {
+        fs::remove_all(temporary, error);
+        throw;
     }
     if (fs::is_regular_file(status)) { // a file that is replaced keeps its permissions
         fs::permissions(temporary, status.permissions(), error);
     }
     fs::rename(temporary, target, error);
     if (error) {
-        const std::string why = error.message();
-        fs::remove(temporary, error);
-        fail(path, why);
+        std::error_code ignored;
+        fs::remove_all(temporary, ignored);
+        fail(path, error.message());
     }
+}
+
+void atomicFileWrite(const fs::path& path, std::string_view contents) {
+    atomicFileWrite(path, [&](const fs::path& temporary) {
+        std::ofstream file(temporary, std::ios::binary);
+        file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
+        file.close();
+        if (!file) {
+            fail(path, std::error_code(errno, std::generic_category()).message());
+        }
+    });
 }
 
 } // namespace Platform

@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Tool {
@@ -73,10 +74,23 @@ void listBank(const Options& options) {
     }
 }
 
+// It put a blank before every unit, the percent sign too.
+std::string asInFactory(std::string patch) {
+    constexpr std::string_view kValue = "\n\t\t"; // a parameter's line, which a name's is not
+    for (auto line = patch.find(kValue); line != std::string::npos; line = patch.find(kValue, line + 1)) {
+        const auto last = patch.find('\n', line + 1) - 2; // before the quote at the end
+        if (patch[last] == '%') {
+            patch.insert(last, " ");
+        }
+    }
+    return patch;
+}
+
 void makeBank(const Options& options) {
     std::vector<std::string> patches;
     for (const std::string& file : options.files) {
-        patches.push_back(Model::writePatch(Model::readPatch(readTextFile(file), sourceName(file))));
+        std::string patch = Model::writePatch(Model::readPatch(readTextFile(file), sourceName(file)));
+        patches.push_back(options.factory ? asInFactory(std::move(patch)) : std::move(patch));
     }
     const auto chunkHeader = options.factory ? kFactoryChunk : Bnk::BankHeader();
     const auto fileHeader = options.factory

@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -56,17 +56,14 @@ int run(int argc, char** argv) {
     return 0;
 }
 
-// Results that have not reached their file are no results: the disk may be full.
+// A result that has not arrived is a failure: the disk may be full.
 void finishOutput() {
-    errno = 0;
+    const int failure = std::fflush(stdout) == 0 ? 0 : errno; // std::cout forgets the reason
     std::cout.flush();
-    if (std::cout && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
-        return;
+    if (failure != 0 || !std::cout || std::ferror(stdout) != 0) {
+        const std::string reason = failure != 0 ? std::string(": ") + std::strerror(failure) : "";
+        throw std::runtime_error("Could not write to standard output" + reason);
     }
-    const int why = errno;
-    throw std::runtime_error("Could not write standard output" +
-                             (why != 0 ? ": " + std::error_code(why, std::generic_category()).message()
-                                       : std::string()));
 }
 
 } // namespace
@@ -75,9 +72,7 @@ int main(int argc, char** argv) {
     try {
         Platform::keepStandardStreamsUnchanged();
         const int status = run(argc, argv);
-        if (status == 0) {
-            finishOutput();
-        }
+        finishOutput();
         return status;
     } catch (const std::exception& error) {
         std::cout.flush();

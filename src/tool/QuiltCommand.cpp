@@ -8,6 +8,7 @@
 #include "quilt/ViewFactory.h"
 #include "resources/Lookup.h"
 #include "tool/LayoutFiles.h"
+#include "tool/NumberArgument.h"
 #include "tool/SilentDesktop.h"
 #include "tool/SurfaceFile.h"
 #include "tool/WindowlessEffect.h"
@@ -248,7 +249,7 @@ void addQuiltCommand(CLI::App& program) {
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
     drawing->add_option("--tone", picture->tone, "A second of a tone of so many Hz goes through the effect first")
-        ->check(CLI::Range(20.0, 10000.0));
+        ->check(numberWithin(20, 10000));
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {

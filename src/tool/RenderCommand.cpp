@@ -6,6 +6,7 @@
 #include "tool/Automation.h"
 #include "tool/EffectOptions.h"
 #include "tool/MidiFile.h"
+#include "tool/NumberArgument.h"
 #include "tool/PluginHost.h"
 #include "tool/Progress.h"
 #include "tool/Sound.h"
@@ -188,7 +189,7 @@ void addRenderCommand(CLI::App& program) {
     addEffectOptions(*command, options->effect);
     command->add_option("--midi", options->midi, "Plays a MIDI file into the plug-in")->type_name("FILE.mid");
     command->add_option("--tempo", options->tempo, "Has the song run from its start at this tempo")
-        ->check(CLI::Range(kSlowestTempo, kFastestTempo))
+        ->check(numberWithin(kSlowestTempo, kFastestTempo))
         ->type_name("BPM");
     command->add_option("--block", options->blockSize, "Samples a block")
         ->check(CLI::Range(1, kLargestBlock))
@@ -200,7 +201,7 @@ void addRenderCommand(CLI::App& program) {
         ->allow_extra_args(false)
         ->type_name("NAME=T0:V0,T1:V1,...");
     command->add_option("--tail", options->tailSeconds, "Goes on with silence behind the sound")
-        ->check(CLI::Range(0.0, kLongestTail))
+        ->check(numberWithin(0, kLongestTail))
         ->type_name("SECONDS");
     command->add_flag("--compensate", options->compensate,
                       "Drops the delay that the plug-in reports from the front");

@@ -36,6 +36,7 @@ protected:
     void SetUp() override {
         std::filesystem::create_directories(folder_);
         setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+        setenv("XDG_DATA_HOME", folder_.c_str(), 1);
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }
 
@@ -44,14 +45,16 @@ protected:
     }
     std::string read(const std::string& name) const { return contentsOf(folder_ / name); }
 
-    Result run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
+    // Results go to the file `output`.
+    Result run(const std::vector<std::string>& arguments, const std::string& input = {},
+               const std::string& output = ".output") const {
         write(".input", input);
         std::string command = "cd ";
         command.append(quoted(folder_.string())).append(" && ").append(quoted(MURMELON_COMMAND));
         for (const std::string& argument : arguments) {
             command.append(" ").append(quoted(argument));
         }
-        const int status = std::system((command + " < .input > .output 2> .errors").c_str());
+        const int status = std::system((command + " < .input > " + output + " 2> .errors").c_str());
         return {WEXITSTATUS(status), read(".output"), read(".errors")};
     }
 

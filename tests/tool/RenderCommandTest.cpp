@@ -278,7 +278,9 @@ TEST_F(RenderCommandTest, failsWithoutLeavingOrHarmingAnything) {
     for (const std::vector<std::string>& wrong : {std::vector<std::string>{"--block", "0"},
                                                   {"--tempo", "0"},
                                                   {"--tempo", "fast"},
+                                                  {"--tempo", "nan"},
                                                   {"--tail", "-1"},
+                                                  {"--tail", "nan"},
                                                   {"--program", "0"},
                                                   {"--param"},
                                                   {"--loud"}}) {

@@ -136,7 +136,7 @@ void Vst2Effect::process(float** in, float** out, VstInt32 samples, bool adding)
                                   .outChannels = channelsIn(out, outChannels_.load(std::memory_order_relaxed)),
                                   .samples = samples,
                                   .adding = adding};
-    if (samples > 0 && buffers.inChannels > 0 && buffers.outChannels > 0) {
+    if (samples > 0 && buffers.outChannels > 0) {
         instance_.process(buffers);
     }
 }
