@@ -107,8 +107,8 @@ EditorActions::MidiConfigChange EditorActions::readMidiConfigChange(std::string_
     return change;
 }
 
-// { variable: params.pitch, learn: true }, { …, cc: 20 }, { …, unassign: true } or { …, cancel: true }. For the
-// program keys the variable is midiConfig.programKeys.baseNoteNumber, and `key` gives the note.
+// { variable: params.pitch, learn: true }, { …, cc: 20 }, { …, unassign: true } or { …, cancel: true }. For
+// the program keys the variable is midiConfig.programKeys.baseNoteNumber, and `key` gives the note.
 EditorActions::MidiAssignment EditorActions::readMidiAssignment(std::string_view text) {
     using enum MidiAssignment::Kind;
     const ActionParams params("midiAssign", text, {"variable", "learn", "cc", "key", "unassign", "cancel"});

@@ -58,11 +58,11 @@ int run(int argc, char** argv) {
 
 // A result that has not arrived is a failure: the disk may be full.
 void finishOutput() {
-    const int failure = std::fflush(stdout) == 0 ? 0 : errno; // std::cout would not tell the reason
+    const int failure = std::fflush(stdout) == 0 ? 0 : errno; // std::cout forgets the reason
     std::cout.flush();
     if (failure != 0 || !std::cout || std::ferror(stdout) != 0) {
-        throw std::runtime_error(std::string("Could not write to standard output: ") +
-                                 std::strerror(failure != 0 ? failure : EIO));
+        const std::string reason = failure != 0 ? std::string(": ") + std::strerror(failure) : "";
+        throw std::runtime_error("Could not write to standard output" + reason);
     }
 }
 

@@ -202,6 +202,27 @@ TEST_F(BridgeCommandTest, StepsThroughTheFilesOfAFolder) {
     });
 }
 
+#if !defined(_WIN32) // where programs know no other folder than the user's own
+TEST_F(BridgeCommandTest, FactoryPatchesAreThereWhenAskedFor) {
+    expectDialogue({
+        {"set instance.menuAnswer \"Go to Factory Patches\"", "ok"},
+        {"do choosePatch", "ok"},
+        {"set instance.menuAnswer \"16 MIDI In\"", "ok"},
+        {"do choosePatch", "host: updateDisplay\nok"},
+        {"get patch.name", "\"MIDI In\""},
+        {"get patch.modified", "\"false\""},
+        {"get params.midi.human", "\"On\""},
+        {"do switchPatch { step: -1 }", "host: updateDisplay\nok"},
+        {"get patch.name", "\"Blown Alias\""},
+    });
+    // What the user has thrown away stays away.
+    const auto factory = folder_ / "Korvanta" / "Murmelon Patches";
+    std::filesystem::remove(factory / "16 MIDI In.kvmp");
+    expectDialogue({{"set instance.menuAnswer \"Go to Factory Patches\"", "ok"}, {"do choosePatch", "ok"}});
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(factory), {}), 15);
+}
+#endif
+
 TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
     expectDialogue({
         {"get midiConfig.assignedCount", "\"0\""},
@@ -286,6 +307,31 @@ TEST_F(BridgeCommandTest, MidiConfigurationShowsInMenus) {
         {"enabled midiAssign { variable: params.mix }",
          "error: Invalid action params for midiAssign: { variable: params.mix }"},
     });
+}
+
+TEST_F(BridgeCommandTest, AnswersAsThePageSays) {
+    std::ifstream page(MURMELON_DOCS "/effect.md");
+    std::string fence;
+    std::string asked;
+    std::string said;
+    int examples = 0;
+    for (std::string line; std::getline(page, line);) {
+        if (line == "```" && fence == "```output") {
+            const auto result = run({"bridge"}, asked);
+            EXPECT_EQ(result.output, said) << asked;
+            asked.clear();
+            said.clear();
+            ++examples;
+        }
+        if (line.starts_with("```")) {
+            fence = line;
+        } else if (fence == "```bridge") {
+            asked += line + "\n";
+        } else if (fence == "```output") {
+            said += line + "\n";
+        }
+    }
+    EXPECT_EQ(examples, 3);
 }
 
 TEST_F(BridgeCommandTest, ReadOnlyAndUnknownNames) {

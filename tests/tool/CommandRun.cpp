@@ -143,6 +143,7 @@ CommandTest::CommandTest()
 void CommandTest::SetUp() {
     fs::create_directories(folder_);
     setVariable("XDG_CONFIG_HOME", folder_);
+    setVariable("XDG_DATA_HOME", folder_);
 }
 
 // Windows lets go of an ended program's files a moment later.

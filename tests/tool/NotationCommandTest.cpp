@@ -1,6 +1,12 @@
 // The commands that read texts: stackbrace, patch, midiconfig.
 #include "CommandRun.h"
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+
+#include <cstdlib>
+#endif
+
 using NotationCommandTest = CommandRun::CommandTest;
 
 TEST_F(NotationCommandTest, stackbracePrintsWhatTheReaderFinds) {
@@ -83,13 +89,27 @@ TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
               "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
 }
 
+#if !defined(_WIN32) // where nobody can hand a folder on as a stream
+TEST_F(NotationCommandTest, aStandardInputThatCannotBeReadIsAFailure) {
+    const std::string command = "cd '" + folder_.string() + "' && '" MURMELON_COMMAND "' stackbrace list - < . 2> .errors";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(read(".errors"), "error: Could not read standard input: Is a directory\n");
+}
+#endif
+
 TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"params"}, {"--version"}, {"params", "--help"}, {"stackbrace", "quote", "-"}}) {
+    const std::string error = "error: Could not write to standard output";
+    const std::string reason = std::string(": ") + CommandRun::kFullError + "\n";
+    const std::pair<std::vector<std::string>, std::string> rows[] = {
+        {{"--version"}, error + "\n"}, // which flushes, and then nobody knows why
+        {{"params"}, error + reason},
+        {{"stackbrace", "quote", "-"}, error + reason},
+    };
+    for (const auto& [command, errors] : rows) {
         const auto result = run(command, "a", CommandRun::kFull);
         EXPECT_EQ(result.status, 1) << command.front();
-        EXPECT_EQ(result.errors,
-                  std::string("error: Could not write to standard output: ") + CommandRun::kFullError + "\n");
+        EXPECT_EQ(result.errors, errors) << command.front();
     }
 }
 

@@ -1,7 +1,6 @@
 #include "tool/plot/PngFile.h"
 
-#include "platform/AtomicFileWrite.h"
-#include "tool/PngBytes.h"
+#include "tool/PixelFile.h"
 #include "tool/plot/Canvas.h"
 
 #include <algorithm>
@@ -29,13 +28,7 @@ std::vector<std::uint8_t> bytesOf(const Canvas& canvas) {
 } // namespace
 
 void writePng(const std::filesystem::path& path, const Canvas& canvas) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(canvas.width());
-    image.height = static_cast<png_uint_32>(canvas.height());
-    image.format = PNG_FORMAT_RGB;
-    const std::vector<std::uint8_t> bytes = bytesOf(canvas);
-    Platform::atomicFileWrite(path, pngBytes(image, bytes.data()));
+    writePixels(path, canvas.width(), canvas.height(), PixelBytes::rgb, bytesOf(canvas));
 }
 
 } // namespace Tool
