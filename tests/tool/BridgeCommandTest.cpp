@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 namespace {

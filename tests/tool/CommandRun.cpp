@@ -105,7 +105,7 @@ std::string quoted(const std::string& text) {
 int start(const fs::path& folder, const std::vector<std::string>& words, const std::string& output) {
     std::string line = "cd " + quoted(folder.string()) + " &&";
     for (const std::string& word : words) {
-        line += " " + quoted(word);
+        line.append(" ").append(quoted(word));
     }
     for (const auto& [sign, name] : {std::pair("<", kInput), std::pair(">", output.c_str()), std::pair("2>", kErrors)}) {
         line.append(" ").append(sign).append(name);
