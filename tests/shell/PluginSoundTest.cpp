@@ -163,7 +163,8 @@ TEST(Channels, aLongBlockIsOneBlockForEveryOutput) {
         Sound out(in.size());
         const auto entry = adding ? host.effect->process : host.effect->processReplacing;
         for (std::size_t from = 0; from < in.size(); from += 4500) {
-            float* ins[] = {const_cast<float*>(in.left.data()) + from, const_cast<float*>(in.right.data()) + from};
+            float* ins[] = {const_cast<float*>(in.left.data()) + from,
+                            const_cast<float*>(in.right.data()) + from};
             float* outs[] = {out.left.data() + from, out.right.data() + from};
             entry(host.effect, ins, outs, 4500);
             host.set(kMix, 0.1f);

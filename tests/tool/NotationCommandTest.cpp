@@ -83,6 +83,13 @@ TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
               "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
 }
 
+TEST_F(NotationCommandTest, aStandardInputThatCannotBeReadIsAFailure) {
+    const std::string command = "cd '" + folder_.string() + "' && '" MURMELON_COMMAND "' stackbrace list - < . 2> .errors";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(read(".errors"), "error: Could not read standard input: Is a directory\n");
+}
+
 TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
     const std::string error = "error: Could not write to standard output";
     const std::pair<std::vector<std::string>, std::string> rows[] = {
