@@ -88,13 +88,13 @@ TEST(HttpGet, IsCancelledAtOnceAndLeavesNothing) {
     waitFor(*HttpGet::start(refused)); // now the library has opened what it keeps
     const auto before = openFiles();
     const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 5; ++i) {
         const auto get = HttpGet::start(request);
         std::this_thread::sleep_for(5ms);
         EXPECT_FALSE(get->answer());
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
-    EXPECT_LE(openFiles(), before + 20) << "the server's ends alone stay open";
+    EXPECT_LE(openFiles(), before + 5) << "the server's ends alone stay open";
 }
 
 TEST(UpdateCheck, TellsOfNewerVersionsOnly) {
