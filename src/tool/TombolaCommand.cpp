@@ -62,6 +62,7 @@ void addTombolaCommand(CLI::App& program) {
     command->add_option("--include-dir", options->includeFolder, "Reads includes below this folder only")
         ->type_name("DIR");
     command->add_option("--map", options->offset, "Prints where that byte of the expansion came from instead")
+        ->check(CLI::NonNegativeNumber)
         ->type_name("OFFSET");
     command->callback([options] { expand(*options); });
 }
