@@ -95,4 +95,5 @@ TEST_F(LayoutTextCommandTest, tombola) {
         {{"tombola", "none"}, 1, "", "error: Could not read none: No such file or directory\n"},
     });
     check({{{"tombola", "-"}, 0, "a@\n"}, {{"tombola", "-", "--map", "1"}, 0, ":1:2\n"}}, "a@@\n");
+    EXPECT_EQ(run({"tombola", "main", "--map", "-1"}).status, 2);
 }
