@@ -11,26 +11,12 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
-#include <string_view>
 #include <thread>
 #include <utility>
 
 namespace Platform {
 
 namespace {
-
-// Anything that leaves this machine is to be encrypted.
-bool mayBeAsked(std::string_view address) {
-    constexpr std::array<std::string_view, 3> kThisMachine{"http://127.0.0.1", "http://localhost",
-                                                           "http://[::1]"};
-    for (const std::string_view start : kThisMachine) {
-        if (address.starts_with(start)) {
-            const std::string_view rest = address.substr(start.size());
-            return rest.empty() || rest.front() == ':' || rest.front() == '/';
-        }
-    }
-    return address.starts_with("https://");
-}
 
 // The system has no words for these; they are those that curl has elsewhere.
 std::string internetWords(DWORD error) {
