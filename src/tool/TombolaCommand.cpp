@@ -63,6 +63,10 @@ void addTombolaCommand(CLI::App& program) {
     command->add_option("--include-dir", options->includeFolder, "Reads includes below this folder only")
         ->type_name("DIR");
     command->add_option("--map", options->offset, "Prints where that byte of the expansion came from instead")
+        ->check([](const std::string& offset) {
+            // Else it would be read as a number beyond all texts.
+            return std::string(offset.starts_with('-') ? "expected an offset of 0 or more, not " + offset : "");
+        })
         ->type_name("OFFSET");
     command->callback([options] { expand(*options); });
 }

@@ -51,6 +51,8 @@ private:
 
     Platform::NativeWindow nativeWindow() const { return window_ != nullptr ? window_->nativeId() : 0; }
     void showNextMessage();
+    void take(const std::filesystem::path& answer, const Bridge::FileQuestion& question,
+              const Bridge::Environment::Chosen& chosen);
 
     Platform::TextPainter& painter_;
     std::function<void(const std::string&)> failed_;
