@@ -27,7 +27,7 @@ public:
     bool cancelled() const { return cancelled_; }
 
 private:
-    static LRESULT CALLBACK windowMade(int code, WPARAM wide, LPARAM narrow) noexcept;
+    static LRESULT CALLBACK windowComesOrGoes(int code, WPARAM wide, LPARAM narrow) noexcept;
     void end() const;
 
     ModalCall*& slot_;
