@@ -109,6 +109,12 @@ struct Files : testing::Test {
 
 struct Menus : testing::Test, WindowListener {
     std::unique_ptr<Window> window = Window::openTopLevel("menus", {200, 100}, *this);
+    const HWND owner = reinterpret_cast<HWND>(window->nativeId());
+
+    Menus() {
+        SetForegroundWindow(owner); // the keyboard comes here
+        window->poll();
+    }
 
     static std::vector<MenuEntry> entries() {
         const auto entry = [](const char* caption, int command) {
@@ -148,7 +154,12 @@ struct Menus : testing::Test, WindowListener {
     std::optional<std::optional<int>> choose(const std::function<void(HWND)>& deeds) {
         std::optional<std::optional<int>> given;
         menu = PopupMenu::open(*window, {10, 10, 50, 20}, entries(), painter, [&](auto command) { given = command; });
-        const ScreenUser user([&] { deeds(ScreenUser::await(ScreenUser::kMenu)); });
+        const ScreenUser user([&] {
+            deeds(ScreenUser::await(ScreenUser::kMenu));
+            const bool answered = ScreenUser::until([] { return !ScreenUser::find(ScreenUser::kMenu); });
+            EXPECT_TRUE(answered);
+            PostMessageW(owner, answered ? WM_NULL : WM_CANCELMODE, 0, 0);
+        });
         EXPECT_FALSE(menu->poll());
         return given;
     }

@@ -23,11 +23,14 @@ bool opened(HWND dialog, HWND window) {
 
 } // namespace
 
-ModalCall::ModalCall(ModalCall*& slot, Way way)
-    : slot_(slot), way_(way), outer_(innermost),
+ModalCall::ModalCall(ModalCall*& slot, HWND owner, Way way)
+    : slot_(slot), owner_(GetAncestor(owner, GA_ROOT)), way_(way), outer_(innermost),
       hook_(SetWindowsHookExW(WH_CBT, &ModalCall::windowComesOrGoes, nullptr, GetCurrentThreadId())) {
     innermost = this;
     slot = this;
+    if (!IsWindowEnabled(owner_)) {
+        owner_ = nullptr;
+    }
 }
 
 ModalCall::~ModalCall() {
@@ -75,6 +78,7 @@ void ModalCall::end() const {
         return TRUE;
     };
     EnumThreadWindows(GetCurrentThreadId(), endOpened, reinterpret_cast<LPARAM>(dialog_));
+    EnableWindow(owner_, TRUE);
     ShowWindow(dialog_, SW_HIDE);
     SetWindowLongPtrW(dialog_, GWLP_HWNDPARENT, 0);
     if (way_ == Way::endDialog) {
