@@ -1,5 +1,8 @@
 #include "tool/FontConverter.h"
 
+#include "model/PathText.h"
+#include "platform/FileRead.h"
+
 #include <fmt/core.h>
 #include <ft2build.h>
 #include <hb-ft.h>
@@ -340,13 +343,15 @@ std::string convertFont(const std::filesystem::path& file, const FontOrigin& ori
         throw std::runtime_error("Could not start the font library");
     }
     const LibraryPtr library(opened);
+    const std::string bytes = Platform::readFile(file); // FreeType takes no Windows file name beyond ASCII
     FT_Face openedFace = nullptr;
-    if (FT_New_Face(library.get(), file.string().c_str(), 0, &openedFace) != 0) {
-        throw std::runtime_error(fmt::format("Could not read the font {}", file.string()));
+    if (FT_New_Memory_Face(library.get(), reinterpret_cast<const FT_Byte*>(bytes.data()),
+                           static_cast<FT_Long>(bytes.size()), 0, &openedFace) != 0) {
+        throw std::runtime_error(fmt::format("Could not read the font {}", Model::toUtf8(file)));
     }
     const FacePtr face(openedFace);
     if (!FT_IS_SCALABLE(face.get())) {
-        throw std::runtime_error(fmt::format("{} is not an outline font", file.string()));
+        throw std::runtime_error(fmt::format("{} is not an outline font", Model::toUtf8(file)));
     }
 
     std::string text = commentOf(face.get(), origin);
@@ -364,7 +369,7 @@ std::string convertFont(const std::filesystem::path& file, const FontOrigin& ori
         if (FT_Load_Glyph(face.get(), *index, FT_LOAD_NO_SCALE) != 0 ||
             face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) {
             throw std::runtime_error(
-                fmt::format("Could not read glyph {} of the font {}", *index, file.string()));
+                fmt::format("Could not read glyph {} of the font {}", *index, Model::toUtf8(file)));
         }
         codes.push_back(code);
         const long advance = face->glyph->advance.x;
