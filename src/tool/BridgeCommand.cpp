@@ -214,6 +214,9 @@ void run(const std::string& preferences) {
             say("error: " + oneLine(error.what()));
         }
         std::cout.flush(); // somebody may be waiting for the answer before asking the next
+        if (!std::cout) {
+            return; // nobody gets the answers any more
+        }
     }
 }
 

@@ -2,12 +2,14 @@
 
 #include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
+#include "platform/PathText.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
 #include "resources/Lookup.h"
 #include "tool/LayoutFiles.h"
+#include "tool/NumberArgument.h"
 #include "tool/SilentDesktop.h"
 #include "tool/SurfaceFile.h"
 #include "tool/WindowlessEffect.h"
@@ -120,7 +122,7 @@ void load(const LoadOptions& options) {
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
     // Pictures, too, may stand beside the document.
-    const auto folder = std::filesystem::path(options.file).parent_path();
+    const auto folder = Platform::pathFromUtf8(options.file).parent_path();
     Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder),
                                 [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
@@ -181,7 +183,7 @@ void sound(Shell::EffectInstance& effect, double frequency) {
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
     const Resources::Lookup resources =
-        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(Platform::pathFromUtf8(options.resources));
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
     if (options.tone > 0) {
@@ -248,7 +250,7 @@ void addQuiltCommand(CLI::App& program) {
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
     drawing->add_option("--tone", picture->tone, "A second of a tone of so many Hz goes through the effect first")
-        ->check(CLI::Range(20.0, 10000.0));
+        ->check(numberWithin(20, 10000));
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {

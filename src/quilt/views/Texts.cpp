@@ -85,7 +85,7 @@ public:
     void tick(std::chrono::milliseconds now) override {
         const Interaction& interaction = document().editor().interaction();
         const View* const about = interaction.hinted();
-        const bool due = about != nullptr && label_.font() != nullptr && (own_ || !about->hint().empty()) &&
+        const bool due = about != nullptr && !interaction.hintMuted() && label_.font() != nullptr && (own_ || !about->hint().empty()) &&
                          (interaction.pressed() == about || now - interaction.restingSince() >= delay_ ||
                           (!shown_.empty() && about == about_));
         if (!due) {

@@ -17,6 +17,7 @@
 #include "model/Preferences.h"
 
 #include <deque>
+#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -80,6 +81,10 @@ public:
     void readBankChunk(std::string_view chunk);
     void readProgramChunk(std::string_view chunk);
 
+    // The programs of the factory bank as patch files, in a folder that does not exist. Throws what writing
+    // throws; there is no folder then.
+    void writeFactoryPatches(const std::filesystem::path& folder) const;
+
     // What new instances start with. Both throw when the preferences cannot be reached.
     void storeStartupBank();
     void forgetStartupBank();
@@ -128,10 +133,11 @@ private:
     void setClipboardText(const std::string& text) override;
     void currentPatchReplaced() override;
 
-    void start(const Surroundings& surroundings);
+    void start();
     template <typename Step> void attempt(Step step);
 
     Host& host_;
+    const Surroundings surroundings_;
     const InstanceIdentity identity_ = InstanceIdentity::next();
     EditorServices* services_ = nullptr;
     std::string ownClipboard_; // while there is no editor

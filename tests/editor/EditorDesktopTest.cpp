@@ -1,0 +1,97 @@
+#include "editor/EditorDesktop.h"
+
+#include "BlockLetters.h"
+#include "XServer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+using namespace Testing;
+
+// A name without the extension gets it, and then the file dialog has not asked whether what is there may go.
+TEST(EditorDesktop, SavesUnderTheNameThatIsMeant) {
+    struct Case {
+        const char* typed;
+        std::vector<int> keys; // answers to a question
+        const char* saved;     // empty: nothing
+        const char* failure;
+    };
+    const Case cases[] = {
+        {"new", {}, "new.kvmp", ""},
+        {"new.kvmp", {}, "new.kvmp", ""},
+        {"new.txt", {}, "new.txt", ""},
+        {"Take 1.5", {}, "Take 1.5.kvmp", ""},
+        {"Mr. Smith", {}, "Mr. Smith.kvmp", ""},
+        {"bare", {}, "bare", ""}, // is there, and the dialog has asked
+        {"old.kvmp", {}, "old.kvmp", ""},
+        {"old", {Key::kReturn}, "", ""},
+        {"old", {Key::kEscape}, "", ""},
+        {"old", {Key::kTab, Key::kReturn}, "old.kvmp", ""},
+        {"fails", {}, "", "fails.kvmp"},
+        {"fails2", {Key::kTab, Key::kReturn}, "", "fails2.kvmp"},
+    };
+    const XServer server;
+    Client user;
+    const fs::path folder = fs::temp_directory_path() / ("murmelon-desktop-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    for (const char* there : {"bare", "old.kvmp", "fails2.kvmp"}) {
+        std::ofstream(folder / there) << "old";
+    }
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", folder.c_str(), 1);
+    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    unsetenv("XDG_RUNTIME_DIR");
+    unsetenv("XDG_CURRENT_DESKTOP");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        std::ofstream(folder / "zenity") << "#!/bin/sh\necho '" << (folder / c.typed).string() << "'\n";
+        fs::permissions(folder / "zenity", fs::perms::owner_all);
+        BlockLetters letters;
+        std::string saved;
+        std::string failure;
+        Shell::EditorDesktop desktop(letters, [&](const std::string& message) { failure = message; });
+        Bridge::FileQuestion question;
+        question.kind = Bridge::FileQuestion::Kind::save;
+        question.types = {{"Patch", ".kvmp"}, {"All Files", ""}};
+        desktop.chooseFile(question, [&](const fs::path& file) {
+            if (std::string(c.failure).empty()) {
+                saved = file.filename().string();
+            } else {
+                throw std::runtime_error(file.filename().string());
+            }
+        });
+        const auto root = user.connection.screen().root;
+        const auto windows = user.children(root).size();
+        if (!c.keys.empty()) {
+            EXPECT_TRUE(eventually([&] {
+                desktop.poll();
+                return user.children(root).size() > windows;
+            }));
+            user.movePointer(30, 30); // no window manager: the box lies in the corner
+            for (const int key : c.keys) {
+                user.type(key);
+            }
+            EXPECT_TRUE(eventually([&] {
+                desktop.poll();
+                return user.children(root).size() == windows;
+            }));
+        } else {
+            EXPECT_TRUE(eventually([&] {
+                desktop.poll();
+                return !saved.empty() || !failure.empty();
+            }));
+        }
+        EXPECT_EQ(saved, c.saved);
+        EXPECT_EQ(failure, c.failure);
+    }
+    setenv("PATH", path.c_str(), 1);
+    fs::remove_all(folder);
+}
