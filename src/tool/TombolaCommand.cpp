@@ -62,7 +62,9 @@ void addTombolaCommand(CLI::App& program) {
     command->add_option("--include-dir", options->includeFolder, "Reads includes below this folder only")
         ->type_name("DIR");
     command->add_option("--map", options->offset, "Prints where that byte of the expansion came from instead")
-        ->check(CLI::NonNegativeNumber)
+        ->check([](const std::string& offset) {
+            return std::string(offset.starts_with('-') ? "offsets are not negative" : "");
+        })
         ->type_name("OFFSET");
     command->callback([options] { expand(*options); });
 }
