@@ -470,6 +470,19 @@ TEST(Input, TypesValues) {
              r.key(Key::enter);
          },
          "two"},
+        {"a double click takes the word",
+         [](SurfaceRig& r) {
+             r.click(20, 20);
+             r.type("1 two");
+             r.press(35, 20);
+             r.release(35, 20);
+             r.press(35, 20, 2);
+             r.move(2, 20); // the hand shakes
+             r.release(2, 20);
+             r.type("3");
+             r.key(Key::enter);
+         },
+         "1 3"},
         {"copying",
          [](SurfaceRig& r) {
              r.click(20, 20);

@@ -3,16 +3,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <malloc.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <limits>
+
+#if !defined(_WIN32)
+#include <malloc.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define MURMELON_SANITIZED 1
@@ -52,7 +55,7 @@ TEST(Entry, refusesHostsThatDoNotAnswer) {
               "Murmelon: audioMaster returned 0\nMurmelon: audioMaster returned 0\n");
 }
 
-#if !defined(MURMELON_SANITIZED) // which wants all the addresses there are
+#if !defined(_WIN32) && !defined(MURMELON_SANITIZED) // which wants all the addresses there are
 TEST(Entry, whereMemoryRunsOutThereIsNoEffectButStillAHost) {
     const auto enter = PluginHost::entry();
     const audioMasterCallback master = [](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
