@@ -1,5 +1,7 @@
 #include "platform/AtomicFileWrite.h"
 
+#include "platform/PathText.h"
+
 #include <atomic>
 #include <cerrno>
 #include <fstream>
@@ -47,7 +49,7 @@ bool isReplaceable(fs::file_type type) {
 }
 
 [[noreturn]] void fail(const fs::path& path, const std::string& why) {
-    throw std::runtime_error("Could not write " + path.string() + ": " + why);
+    throw std::runtime_error("Could not write " + utf8Of(path) + ": " + why);
 }
 
 } // namespace

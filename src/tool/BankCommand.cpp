@@ -62,12 +62,12 @@ void listBank(const Options& options) {
     Bnk::readBankChunk(chunk, programs, midiConfig);
     const auto count = std::min<std::uint32_t>(Bnk::BankContent(chunk).count(), Model::Programs::kCount);
     if (!options.exportFolder.empty()) {
-        fs::create_directories(options.exportFolder);
+        fs::create_directories(Model::pathFromUtf8(options.exportFolder));
     }
     for (int i = 0; i < static_cast<int>(count); ++i) {
         const std::string name = programs[i].name();
         if (!options.exportFolder.empty()) {
-            Platform::atomicFileWrite(fs::path(options.exportFolder) / fileNameFor(i + 1, name),
+            Platform::atomicFileWrite(Model::pathFromUtf8(options.exportFolder) / fileNameFor(i + 1, name),
                                       Stackbrace::withFileLineEnds(Model::writePatch(programs[i])));
         }
         fmt::print("{}\t{}\n", i + 1, name);
@@ -97,7 +97,7 @@ void makeBank(const Options& options) {
                                 ? kFactoryFile
                                 : Bnk::BankFileHeader{.programs = static_cast<std::uint32_t>(patches.size())};
     const std::string chunk = Bnk::packBankChunk(chunkHeader, patches, Model::writeMidiConfig({}));
-    Platform::atomicFileWrite(options.output, Bnk::bankFileOf(chunk, fileHeader));
+    Platform::atomicFileWrite(Model::pathFromUtf8(options.output), Bnk::bankFileOf(chunk, fileHeader));
 }
 
 void checkUsage(const Options& options) {

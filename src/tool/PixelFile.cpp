@@ -1,6 +1,7 @@
 #include "tool/PixelFile.h"
 
 #include "platform/AtomicFileWrite.h"
+#include "platform/PathText.h"
 
 #include <png.h>
 
@@ -20,7 +21,7 @@ void writePixels(const std::filesystem::path& path, int width, int height, Pixel
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
     std::string contents(size, '\0');
     if (!png_image_write_to_memory(&image, contents.data(), &size, 0, bytes.data(), 0, nullptr)) {
-        throw std::runtime_error("Could not write " + path.string() + ": " + image.message);
+        throw std::runtime_error("Could not write " + Platform::utf8Of(path) + ": " + image.message);
     }
     contents.resize(size);
     Platform::atomicFileWrite(path, contents);

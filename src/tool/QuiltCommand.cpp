@@ -2,6 +2,7 @@
 
 #include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
+#include "platform/PathText.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
@@ -121,7 +122,7 @@ void load(const LoadOptions& options) {
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
     // Pictures, too, may stand beside the document.
-    const auto folder = std::filesystem::path(options.file).parent_path();
+    const auto folder = Platform::pathFromUtf8(options.file).parent_path();
     Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder),
                                 [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
@@ -182,7 +183,7 @@ void sound(Shell::EffectInstance& effect, double frequency) {
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
     const Resources::Lookup resources =
-        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(Platform::pathFromUtf8(options.resources));
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
     if (options.tone > 0) {

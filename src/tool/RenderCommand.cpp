@@ -1,6 +1,7 @@
 #include "tool/Commands.h"
 
 #include "parameters/ParameterTable.h"
+#include "platform/PathText.h"
 #include "platform/ThisProgram.h"
 #include "state/Chunks.h"
 #include "tool/Automation.h"
@@ -159,7 +160,7 @@ void render(const Options& options) {
     soundFormatOf(options.output); // before any work is done
     const Sound in = readSound(options.input);
     Performance performance(options, in.rate);
-    PluginHost host(options.plugin.empty() ? pluginBesideCommand() : std::filesystem::path(options.plugin),
+    PluginHost host(options.plugin.empty() ? pluginBesideCommand() : Platform::pathFromUtf8(options.plugin),
                     in.rate, options.blockSize);
     host.setTempo(options.tempo);
     setEffect(host, options.effect);
@@ -170,7 +171,7 @@ void render(const Options& options) {
     const Sound out = play(host, in, performance, in.length() + tail,
                            static_cast<std::size_t>(std::max(latency, 0)), options.blockSize);
     host.suspend();
-    writeSound(options.output, out);
+    writeSound(Platform::pathFromUtf8(options.output), out);
 }
 
 } // namespace

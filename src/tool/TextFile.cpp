@@ -1,6 +1,7 @@
 #include "tool/TextFile.h"
 
 #include "platform/FileRead.h"
+#include "platform/PathText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -19,7 +20,7 @@ std::string readTextFile(const std::string& name) {
         }
         return text;
     }
-    return Platform::readFile(name);
+    return Platform::readFile(Platform::pathFromUtf8(name));
 }
 
 std::string sourceName(const std::string& name) {

@@ -23,7 +23,7 @@ Quilt::StringTable stringTable() {
 
 } // namespace
 
-PreferencesFolder::PreferencesFolder(const std::string& given) : path_(given), temporary_(given.empty()) {
+PreferencesFolder::PreferencesFolder(const std::string& given) : path_(Model::pathFromUtf8(given)), temporary_(given.empty()) {
     std::random_device random;
     while (temporary_ && (path_.empty() || !fs::create_directories(path_))) {
         path_ = fs::temp_directory_path() / fmt::format("murmelon-{:08x}", random());

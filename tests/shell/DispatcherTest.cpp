@@ -3,16 +3,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <malloc.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <limits>
+
+#if !defined(_WIN32)
+#include <malloc.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 using namespace Vst2;
 using testing::ElementsAre;
@@ -44,7 +47,7 @@ TEST(Entry, refusesHostsThatDoNotAnswer) {
               "Murmelon: audioMaster returned 0\nMurmelon: audioMaster returned 0\n");
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which want all addresses there are
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which want all addresses there are
 TEST(Entry, whereMemoryRunsOutThereIsNoEffectButStillAHost) {
     const auto enter = PluginHost::entry();
     const audioMasterCallback master = [](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {

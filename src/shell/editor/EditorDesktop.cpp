@@ -113,10 +113,24 @@ std::filesystem::path withExtension(std::filesystem::path file, const Bridge::Fi
     return file;
 }
 
-// Polls what `open` holds. The answer may open another in its place.
-template <typename Dialog> void pollOne(std::unique_ptr<Dialog>& open) {
-    if (std::unique_ptr<Dialog> current = std::move(open); current && current->poll()) {
-        open = std::move(current);
+// Polls what `open` holds. Meanwhile its answer may open another in its place, and setWindow may take it away.
+template <typename Dialog> void pollOne(std::shared_ptr<Dialog>& open) {
+    if (!open) {
+        return;
+    }
+    const std::weak_ptr<Dialog> current = open;
+    const auto closeIfThere = [&] {
+        if (!current.expired()) {
+            open.reset();
+        }
+    };
+    try {
+        if (!open->poll()) {
+            closeIfThere();
+        }
+    } catch (...) {
+        closeIfThere();
+        throw;
     }
 }
 
@@ -190,6 +204,7 @@ void EditorDesktop::chooseFile(const Bridge::FileQuestion& question, Bridge::Env
     files_ = Platform::FileDialog::open(
         requestOf(question, nativeWindow()),
         [this, question, chosen = std::move(chosen)](const Platform::FileDialogAnswer& answer) {
+            const auto answered = std::move(files_); // what follows may want another
             if (!answer.error.empty()) {
                 failed_(answer.error);
             } else if (!answer.file.empty()) {
@@ -228,6 +243,12 @@ void EditorDesktop::take(const std::filesystem::path& answer, const Bridge::File
 }
 
 void EditorDesktop::poll() {
+    struct Polling {
+        explicit Polling(bool& flag) : flag_(flag) { flag_ = true; }
+        ~Polling() { flag_ = false; }
+        bool& flag_;
+    };
+    const Polling polling(polling_);
     pollOne(menu_);
     pollOne(files_);
     pollOne(dialog_);
