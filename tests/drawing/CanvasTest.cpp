@@ -131,6 +131,8 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 20, 5), 80},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 20, -10), 80},
         {"M10 50H70", pen(4, Caps::round, Joints::miter, 0, 20, -10), 3 * 4 * pi},
+        {"M10 50H69", pen(4, Caps::round, Joints::miter, 0, 20), 3 * 4 * pi}, // the first where the line begins
+        {"M10 50H69", pen(4, Caps::butt, Joints::miter, 0, 20), 0},
         {"M20 20H60V60H20Z", pen(2, Caps::butt, Joints::miter, 40, 40), 160},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 0), 240},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 1e-9, 1e-9), 240}, // too fine to be seen
@@ -146,6 +148,17 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         Canvas(surface.view()).stroke(pathOf("M10 40L60 50 10 60"), {{kBlack}, 4, Caps::butt, Joints::miter, limit}, {});
         EXPECT_EQ(alphaAt(surface, 66, 50) > 0, limit > 5.1) << limit;
     }
+    // A dash without length is turned as the line is: the corners of its square lie straight above and below.
+    Surface square(100, 100);
+    Canvas(square.view()).stroke(pathOf("M10 10L80 80"), pen(20, Caps::square, Joints::miter, 0, 200, -40 * std::sqrt(2.0)), {});
+    EXPECT_NEAR(totalAlpha(square), 400, 2);
+    EXPECT_EQ(alphaAt(square, 50, 38), 255U);
+    EXPECT_EQ(alphaAt(square, 41, 41), 0U);
+    // One far wider than the surface still covers what it should: half of this one.
+    Surface wide(100, 100);
+    Canvas(wide.view()).stroke(pathOf("M50 50L80 80"), pen(1e9, Caps::butt, Joints::miter), {});
+    Canvas(wide.view()).stroke(pathOf("M80 80L250 250"), pen(1e9, Caps::butt, Joints::miter), {});
+    EXPECT_NEAR(totalAlpha(wide), 5000, 10);
     // The pen is bent as the shape is.
     Surface surface(100, 100);
     Canvas(surface.view()).stroke(pathOf("M1 5H9"), {{kBlack}, 2}, {.transform = Transform::scale(10, 2)});

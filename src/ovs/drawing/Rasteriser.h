@@ -82,8 +82,9 @@ private:
 
     static constexpr unsigned kMostBlocks = 1024;
     static constexpr unsigned kCellsInBlock = 4096;
-    // Far outside any surface, and safe to multiply.
-    static constexpr double kFarthest = 1e8;
+    // Far outside any surface, and still near enough for a line from there to be clipped to the pixel. A point
+    // beyond is moved, and the lines to it turn.
+    static constexpr double kFarthest = 1e12;
     static constexpr int kFull = 255;
     // Twice the area of a pixel in its 256 x 256 parts, down to 0..256.
     static constexpr int kAreaShift = 9;

@@ -19,6 +19,9 @@ constexpr double kFinestStep = 0.125;
 // Wider strokes, in the units of that scale, are rounded off no finer.
 constexpr double kWidestFineStroke = 1e5;
 
+// What a dash without length is long, of the width of the pen: a direction, and nothing to be seen.
+constexpr double kLittle = 1e-6;
+
 // Beyond, sums of squares would leave the range of numbers.
 constexpr double kWidest = 1e9;
 constexpr double kFarthest = 1e12;
@@ -166,7 +169,7 @@ private:
         const double period = pen_.dash + pen_.gap;
         double phase = std::fmod(pen_.dashOffset, period);
         phase = phase < 0.0 ? phase + period : phase;
-        on_ = phase < pen_.dash;
+        on_ = phase < pen_.dash || phase == 0.0; // a dash without length may begin here
         left_ = on_ ? pen_.dash - phase : period - phase;
         if (on_) {
             dashes_.moveTo(start);
@@ -180,10 +183,13 @@ private:
             done += left_;
             const double part = done / length;
             const Point at = {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
-            if (on_) {
-                dashes_.lineTo(at);
-            } else {
+            if (!on_) {
                 dashes_.moveTo(at);
+            } else if (pen_.dash > 0.0) {
+                dashes_.lineTo(at);
+            } else { // its caps are turned as the line is
+                const double little = kLittle * pen_.width / length;
+                dashes_.lineTo({at.x + (to.x - from.x) * little, at.y + (to.y - from.y) * little});
             }
             on_ = !on_;
             left_ = on_ ? pen_.dash : pen_.gap;
