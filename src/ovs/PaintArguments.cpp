@@ -96,16 +96,16 @@ Paint readLabels(ZEKT::Frame& frame, ZEKT::Arguments& arguments, PatternMaker& p
     if (relative) {
         paint.relative = relative->boolean();
     }
+    if (const ZEKT::Argument* const transform = arguments.optional("transform")) {
+        paint.transform = readTransformBlock(frame, *transform);
+    }
     if (gradient) {
         readGradient(*gradient, paint);
     } else if (pattern) {
-        paint.source = patterns.makePattern(frame, *pattern, paint.relative);
+        paint.source = patterns.makePattern(frame, *pattern, paint.relative, paint.transform);
     }
     if (const ZEKT::Argument* const opacity = arguments.optional("opacity")) {
         paint.opacity = readOpacity(*opacity);
-    }
-    if (const ZEKT::Argument* const transform = arguments.optional("transform")) {
-        paint.transform = readTransformBlock(frame, *transform);
     }
     return paint;
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -134,6 +135,11 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         {"M10 50H69", pen(4, Caps::round, Joints::miter, 0, 20), 3 * 4 * pi}, // the first where the line begins
         {"M10 50H69", pen(4, Caps::butt, Joints::miter, 0, 20), 0},
         {"M20 20H60V60H20Z", pen(2, Caps::butt, Joints::miter, 40, 40), 160},
+        {"M20 20H60V60H20Z", pen(16, Caps::butt, Joints::miter, 40, 40, 20), 1280}, // joined where it begins
+        {"M20 20H60V60H20Z", pen(16, Caps::butt, Joints::miter, 400, 40), 56 * 56 - 24 * 24},
+        // The outside of a curve is round, whatever the joints are, within pieces and from one to the next.
+        {"M50 49A1 1 0 0 1 50 51A1 1 0 0 1 50 49Z", pen(60, Caps::butt, Joints::bevel), 31 * 31 * pi},
+        {"M50 49A1 1 0 0 1 50 51A1 1 0 0 1 50 49Z", pen(60, Caps::butt, Joints::miter), 31 * 31 * pi},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 0), 240},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 1e-9, 1e-9), 240}, // too fine to be seen
     };
@@ -297,6 +303,45 @@ TEST(Canvas, FinerCurvesHaveMoreCorners) {
         return std::abs(totalAlpha(surface) - std::acos(-1.0) * 8100);
     };
     EXPECT_GT(roughness(0.01), 10 * roughness(1.0));
+}
+
+// Each of these costs about ten thousand steps, and draws when there are enough of them.
+TEST(Canvas, StopsWhenItsEffortIsSpent) {
+    Path square = pathOf("M0 0H50V50H0Z");
+    Path curves; // in sight or not
+    for (int i = 0; i < 10; ++i) {
+        curves.moveTo({-1e4, 0});
+        curves.cubicTo({-2e4, 1e4}, {-3e4, -1e4}, {-1e4, 1e3});
+    }
+    Surface tile(100, 100);
+    const Paint small{Pattern{std::make_shared<const Surface>(100, 100), {0, 0, 1, 1}}};
+    const Pen dashed{{kBlack}, 1, Caps::round, Joints::miter, 4, 0.1, 0.1};
+    const std::function<void(Canvas&)> drawings[] = {
+        [&](Canvas& c) { c.fill(curves, {kBlack}, FillRule::nonZero, {}); },
+        [&](Canvas& c) { c.stroke(square, dashed, {}); },
+        [&](Canvas& c) { c.fill(pathOf("M0 0H1V1H0Z"), small, FillRule::nonZero, {}); },
+        [&](Canvas& c) { c.drawImage(tile.view(), {0, 0, 1, 1}, 1, nullptr, {}); },
+        [&](Canvas& c) {
+            for (int i = 0; i < 4; ++i) {
+                c.wipe({kRed}, {});
+                c.fill(square, {kBlack}, FillRule::nonZero, {});
+            }
+        },
+    };
+    for (const auto& draw : drawings) {
+        Surface surface(50, 50);
+        Effort little(4000);
+        Effort enough(4'000'000);
+        Canvas weak(surface.view(), &little);
+        Canvas strong(surface.view(), &enough);
+        EXPECT_THROW(draw(weak), EffortError) << &draw - drawings;
+        EXPECT_NO_THROW(draw(strong)) << &draw - drawings;
+    }
+    // Whatever it may cost: an outline that the memory would not hold.
+    Surface surface(50, 50);
+    Path star;
+    star.addStar({25, 25}, 10000, 20, 5, 0);
+    EXPECT_THROW(Canvas(surface.view()).stroke(star, {{kBlack}, 1e5, Caps::butt, Joints::curve}, {}), EffortError);
 }
 
 // Nothing a document can name may do harm, or hide what is in sight.
