@@ -80,6 +80,10 @@ Quilt::ActionState EditorActions::state(std::string_view action, std::string_vie
         state.enabled = effect_.patches().history().canRedo();
     } else if (action == "toggleVersionCheck") {
         state.checked = versionCheck();
+    } else if (action == "changeMidiConfig") {
+        state.checked = readMidiConfigChange(params).checked;
+    } else if (action == "midiAssign") {
+        state = stateOfMidiAssign(params);
     } else if (std::ranges::find(table(), action, &Row::name) == table().end()) {
         throw std::runtime_error("Unrecognized action: " + std::string(action));
     }

@@ -35,6 +35,17 @@ private:
     };
     static const std::vector<Row>& table();
 
+    struct MidiAssignment {
+        enum class Kind { assign, learn, unassign, cancel };
+        Kind kind = Kind::learn;
+        LearnTarget target;
+        int number = 0; // to be assigned
+    };
+    struct MidiConfigChange {
+        Model::MidiConfig config; // as it would be
+        bool checked = false;     // it is so already, or the switch to be toggled is on
+    };
+
     void changeParam(const Call& call);
 
     void initPatch(const Call& call);
@@ -66,6 +77,9 @@ private:
     void unitTest(const Call& call);
 
     bool versionCheck() const;
+    MidiConfigChange readMidiConfigChange(std::string_view params) const;
+    static MidiAssignment readMidiAssignment(std::string_view params);
+    Quilt::ActionState stateOfMidiAssign(std::string_view params) const;
     void openPatchFile(const std::filesystem::path& file);
     std::filesystem::path patchFolder() const;
     void rememberPatchFolder(const std::filesystem::path& folder);

@@ -29,6 +29,10 @@ FileQuestion midiConfigQuestion(FileQuestion::Kind kind, const Model::MidiConfig
     return question;
 }
 
+[[noreturn]] void refuseChange(std::string_view params) {
+    throw std::runtime_error("Invalid action params for changeMidiConfig: " + std::string(params));
+}
+
 // The configuration's text with some of its entries replaced.
 std::string withChanges(const Model::MidiConfig& config, const Stackbrace::Structure& changes,
                         std::string_view params) {
@@ -37,7 +41,7 @@ std::string withChanges(const Model::MidiConfig& config, const Stackbrace::Struc
     const auto present = root.at(Model::kMidiConfigKey).structure();
     for (const auto& [key, value] : changes) {
         if (!present.find(key)) {
-            throw std::runtime_error("Invalid action params for changeMidiConfig: " + std::string(params));
+            refuseChange(params);
         }
     }
     Stackbrace::Writer writer;
@@ -50,56 +54,128 @@ std::string withChanges(const Model::MidiConfig& config, const Stackbrace::Struc
     return writer.take();
 }
 
+bool* switchOf(Model::MidiConfig& config, std::string_view key) {
+    return key == "programChanges"       ? &config.programChanges
+           : key == "pitchBendHeldOnly"  ? &config.pitchBendHeldOnly
+           : key == "programKeysEnabled" ? &config.programKeysEnabled
+                                         : nullptr;
+}
+
 } // namespace
 
 void EditorActions::resetMidiConfig(const Call&) {
+    const auto lock = effect_.lockState();
     effect_.midiConfigs().reset();
 }
 
 void EditorActions::loadMidiConfig(const Call&) {
     environment_.chooseFile(midiConfigQuestion(FileQuestion::Kind::open, effect_.midiConfigs().config()),
-                            [this](const fs::path& file) { effect_.midiConfigs().load(file); });
+                            [this](const fs::path& file) {
+                                const auto lock = effect_.lockState();
+                                effect_.midiConfigs().load(file);
+                            });
 }
 
 void EditorActions::saveMidiConfig(const Call&) {
     environment_.chooseFile(midiConfigQuestion(FileQuestion::Kind::save, effect_.midiConfigs().config()),
-                            [this](const fs::path& file) { effect_.midiConfigs().save(file); });
+                            [this](const fs::path& file) {
+                                const auto lock = effect_.lockState();
+                                effect_.midiConfigs().save(file);
+                            });
 }
 
 void EditorActions::makeMidiConfigDefault(const Call&) {
     effect_.midiConfigs().makeDefault();
 }
 
-// Takes any of the keys of the configuration's text. "ccAssignments" replaces all assignments.
 void EditorActions::changeMidiConfig(const Call& call) {
-    const Stackbrace::Document document{std::string(call.params)};
-    const Model::MidiConfig& present = effect_.midiConfigs().config();
-    Model::MidiConfig config;
-    Model::readMidiConfig(withChanges(present, document.root().structure(), call.params), config);
+    const Model::MidiConfig config = readMidiConfigChange(call.params).config;
+    const auto lock = effect_.lockState();
     effect_.midiConfigs().replace(config);
 }
 
-// { variable: params.pitch, learn: true }, { …, cc: 20 }, { …, unassign: true } or { …, cancel: true }. For the
-// program keys the variable is midiConfig.programKeys.baseNoteNumber, and `key` gives the note.
-void EditorActions::midiAssign(const Call& call) {
-    const ActionParams params(call.action, call.params,
-                              {"variable", "learn", "cc", "key", "unassign", "cancel"});
+// { toggle: KEY } of a switch, or any of the keys of the configuration's text: "ccAssignments" replaces all
+// assignments.
+EditorActions::MidiConfigChange EditorActions::readMidiConfigChange(std::string_view params) const {
+    const Model::MidiConfig& present = effect_.midiConfigs().config();
+    const Stackbrace::Document document{std::string(params)};
+    const auto changes = document.root().structure();
+    MidiConfigChange change;
+    if (const auto* const key = changes.find("toggle")) {
+        change.config = present;
+        bool* const value = switchOf(change.config, key->text());
+        if (!value || changes.size() > 1) {
+            refuseChange(params);
+        }
+        change.checked = *value;
+        *value = !*value;
+    } else {
+        Model::readMidiConfig(withChanges(present, changes, params), change.config);
+        change.checked = change.config == present;
+    }
+    return change;
+}
+
+// { variable: params.pitch, learn: true }, { …, cc: 20 }, { …, unassign: true } or { …, cancel: true }. For
+// the program keys the variable is midiConfig.programKeys.baseNoteNumber, and `key` gives the note.
+EditorActions::MidiAssignment EditorActions::readMidiAssignment(std::string_view text) {
+    using enum MidiAssignment::Kind;
+    const ActionParams params("midiAssign", text, {"variable", "learn", "cc", "key", "unassign", "cancel"});
     const auto target = learnTarget(params.string("variable").value_or(std::string()));
     if (!target) {
         params.refuse();
     }
-    const auto number = params.integer(target->parameter ? "cc" : "key");
-    if (number) {
-        learn_.assign(*target, *number);
-    } else if (params.boolean("learn", false)) {
-        learn_.start(*target);
-    } else if (params.boolean("unassign", false)) {
-        learn_.unassign(*target);
-    } else if (params.boolean("cancel", false)) {
-        learn_.cancel();
-    } else {
-        params.refuse();
+    if (const auto number = params.integer(target->parameter ? "cc" : "key")) {
+        return {assign, *target, *number};
     }
+    if (params.boolean("learn", false)) {
+        return {learn, *target};
+    }
+    if (params.boolean("unassign", false)) {
+        return {unassign, *target};
+    }
+    if (params.boolean("cancel", false)) {
+        return {cancel, *target};
+    }
+    params.refuse();
+}
+
+void EditorActions::midiAssign(const Call& call) {
+    const MidiAssignment wish = readMidiAssignment(call.params);
+    switch (wish.kind) {
+    case MidiAssignment::Kind::assign:
+        learn_.assign(wish.target, wish.number);
+        break;
+    case MidiAssignment::Kind::learn:
+        learn_.start(wish.target);
+        break;
+    case MidiAssignment::Kind::unassign:
+        learn_.unassign(wish.target);
+        break;
+    case MidiAssignment::Kind::cancel:
+        learn_.cancel();
+        break;
+    }
+}
+
+Quilt::ActionState EditorActions::stateOfMidiAssign(std::string_view params) const {
+    const MidiAssignment wish = readMidiAssignment(params);
+    Quilt::ActionState state;
+    switch (wish.kind) {
+    case MidiAssignment::Kind::assign:
+        state.checked = learn_.numberOf(wish.target) == wish.number;
+        break;
+    case MidiAssignment::Kind::learn:
+        state.checked = learn_.state(wish.target) == AssignState::assigning;
+        break;
+    case MidiAssignment::Kind::unassign:
+        state.enabled = learn_.numberOf(wish.target).has_value();
+        break;
+    case MidiAssignment::Kind::cancel:
+        state.enabled = learn_.active();
+        break;
+    }
+    return state;
 }
 
 // As if the message had come in through the host.

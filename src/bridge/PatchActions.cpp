@@ -162,7 +162,10 @@ void EditorActions::savePatch(const Call&) {
     question.title = "Save Patch";
     question.proposed = effect_.patches().proposedFile();
     if (!question.proposed.has_parent_path()) {
-        question.proposed = patchFolder() / question.proposed;
+        const fs::path folder = patchFolder();
+        std::error_code ignored; // the dialog shows where it is instead
+        fs::create_directories(folder, ignored);
+        question.proposed = folder / question.proposed;
     }
     question.types = {{"Korvanta Patch", std::string(Model::kPatchExtension)}, {"All Files", ""}};
     environment_.chooseFile(question, [this](const fs::path& file) {
@@ -218,6 +221,9 @@ void EditorActions::choosePatch(const Call& call) {
                 browsePatches();
             } else if (*id == Menu::kGoToFactoryPatches || *id == Menu::kGoToUserPatches) {
                 browsed_ = *id == Menu::kGoToUserPatches ? userFolder() : factoryFolder();
+                if (*id == Menu::kGoToFactoryPatches && !fs::exists(browsed_)) {
+                    effect_.writeFactoryPatches(browsed_); // the plug-in is one file: they come with it
+                }
                 environment_.perform("choosePatch", again); // the menu of that folder
             } else if (const auto file = Menu::fileIndex(*id, files.size())) {
                 openPatchFile(files[*file]);

@@ -38,9 +38,10 @@ Float4 cosineSum(Float4 x, float harmonics) noexcept {
     const Float4 d = x - keep(x >= half, splat(1)); // the pulse is the same before and after the wrap
     const Float4 turns = d * splat(harmonics + 0.5f);
     const Float4 numerator = sineOfTurn(turns - rounded(turns));
-    const Float4 denominator = sinePi(d);
+    const Int4 atPulse = magnitude(d) < splat(1e-12f);
+    const Float4 denominator = select(atPulse, splat(1), sinePi(d)); // 0 / 0 may trap: some hosts let it
     const Float4 sum = (numerator / denominator - splat(1)) * half;
-    return select(magnitude(d) < splat(1e-12f), splat(harmonics), sum);
+    return select(atPulse, splat(harmonics), sum);
 }
 
 } // namespace

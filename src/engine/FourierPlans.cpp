@@ -18,6 +18,14 @@ std::mutex& plannerLock() {
     return lock;
 }
 
+int livingPlans = 0; // under the lock
+
+// The planner ends the whole process where memory runs out. Here that is found out before it is asked.
+void ensureMemoryForPlanner() {
+    constexpr std::size_t kPlannerTakes = 1 << 20; // at the first time a third of this, later next to nothing
+    ::operator delete(::operator new(kPlannerTakes));
+}
+
 fftwf_complex* complex(float* spectrum) {
     return reinterpret_cast<fftwf_complex*>(spectrum);
 }
@@ -41,17 +49,22 @@ FourierPlans::FourierPlans(int length) {
     AlignedFloats signal(static_cast<std::size_t>(length));
     AlignedFloats spectrum(static_cast<std::size_t>(length) + 2);
     const std::scoped_lock guard(plannerLock());
+    ensureMemoryForPlanner();
     forward_ = fftwf_plan_dft_r2c_1d(length, signal.data(), complex(spectrum.data()), FFTW_ESTIMATE);
     inverse_ = fftwf_plan_dft_c2r_1d(length, complex(spectrum.data()), signal.data(), FFTW_ESTIMATE);
     if (forward_ == nullptr || inverse_ == nullptr) {
         throw std::bad_alloc();
     }
+    ++livingPlans;
 }
 
 FourierPlans::~FourierPlans() {
     const std::scoped_lock guard(plannerLock());
     fftwf_destroy_plan(forward_);
     fftwf_destroy_plan(inverse_);
+    if (--livingPlans == 0) {
+        fftwf_cleanup(); // hosts load plug-ins only to look at them: what is unloaded leaves nothing behind
+    }
 }
 
 void FourierPlans::forward(float* signal, float* spectrum) const noexcept {

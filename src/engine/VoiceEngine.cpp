@@ -63,6 +63,8 @@ private:
         bool mono = false;
         float frameStep = 0;
         MidiSettings midiSettings;
+        bool monoOutput = false;
+        bool adding = false;
     };
 
     void beginBlock(const Block& block, int samples) noexcept;
@@ -74,6 +76,7 @@ private:
     void readInput(const float* const* in, int offset, int count) noexcept;
     void synthesise(int count) noexcept;
     void writeOutput(float* const* out, int offset, int count) noexcept;
+    void joinOutput(float* const* out, int offset, int count) noexcept;
     bool frozen() const noexcept { return plan_.midi && notes_.sustained(); }
     VoiceControls controls() const noexcept;
     const RateConfiguration& rate() const noexcept { return rates_[static_cast<std::size_t>(step_)]; }
@@ -100,6 +103,7 @@ private:
     alignas(16) std::array<Run, 2> dry_{};
     alignas(16) std::array<float, 2 * (kRun + kRoom)> internal_{}; // output pairs at the internal rate
     alignas(16) std::array<float, 2 * (kRun + kRoom)> wet_{};      // the same at the host's rate
+    std::array<std::array<float, kRun>, 2> mixed_{}; // for outputs that cannot be written at once
 };
 
 VoiceEngine::State::State(double hertz, int step, Feedbacks& feedbacks)
@@ -139,6 +143,8 @@ void VoiceEngine::State::beginBlock(const Block& block, int samples) noexcept {
     plan_.mono = Parameters::isOn(parameters.legacyMode);
     plan_.frameStep = frameStep(parameters, block.transport);
     plan_.midiSettings = block.midiSettings;
+    plan_.monoOutput = block.monoOutput;
+    plan_.adding = block.adding;
     if (plan_.sync && block.transport.songPosition && !frozen()) {
         const auto frames = static_cast<double>(framesPerWholeNote(parameters.frameRate));
         voice_.clock().follow(frames * *block.transport.songPosition / kBeatsPerWholeNote);
@@ -240,7 +246,28 @@ void VoiceEngine::State::writeOutput(float* const* out, int offset, int count) n
             dryDelay_[channel].read(rate().latency, dry_[channel].data(), count);
         }
     }
-    mix_.process({wet_.data(), {dry_[0].data(), dry_[1].data()}, plan_.mono}, out, offset, count);
+    const OutputMix::Signals signals = {wet_.data(), {dry_[0].data(), dry_[1].data()}, plan_.mono};
+    if (plan_.monoOutput || plan_.adding) {
+        float* const mixed[] = {mixed_[0].data(), mixed_[1].data()};
+        mix_.process(signals, mixed, 0, count);
+        joinOutput(out, offset, count);
+    } else {
+        mix_.process(signals, out, offset, count);
+    }
+}
+
+void VoiceEngine::State::joinOutput(float* const* out, int offset, int count) noexcept {
+    if (plan_.monoOutput) {
+        for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+            mixed_[0][i] = (mixed_[0][i] + mixed_[1][i]) / 2;
+        }
+    }
+    for (std::size_t channel = 0; channel < (plan_.monoOutput ? 1 : 2); ++channel) {
+        float* const target = out[channel] + offset;
+        for (int i = 0; i < count; ++i) {
+            target[i] = mixed_[channel][static_cast<std::size_t>(i)] + (plan_.adding ? target[i] : 0.0f);
+        }
+    }
 }
 
 FrameRecord VoiceEngine::State::lastFrame() const noexcept {

@@ -39,7 +39,9 @@ struct Block {
     Transport transport;
     MidiSettings midiSettings;
     std::span<const MidiEvent> midiEvents;
-    bool bypassed = false; // dry with the same delay; changes cross-fade
+    bool bypassed = false;   // dry with the same delay; changes cross-fade
+    bool monoOutput = false; // one channel comes out, the average of both
+    bool adding = false;     // to what the outputs hold, instead of replacing it
 };
 
 // What the frame analysis found last, for tools that draw or list it. Of a silent frame nothing is analysed:
@@ -79,7 +81,8 @@ public:
     // [any] Delay of the dry path in host samples at the given value of `sampleRate`.
     int latencySamples(float sampleRateParameter) const noexcept;
 
-    // [audio] Any block length, 0 included. `in` and `out` are two channels each and may be the same buffers.
+    // [audio] Any block length, 0 included. `in` and `out` are two channels each and may be the same buffers;
+    // of a mono output, only the first channel of `out` is there.
     void process(const float* const* in, float* const* out, int samples, const Block& block) noexcept;
 
     // [audio]

@@ -1,5 +1,7 @@
 #include "platform/FileRead.h"
 
+#include "platform/PathText.h"
+
 #include "platform/LargePages.h"
 
 #include <algorithm>
@@ -33,7 +35,7 @@ std::string readFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     std::string contents = readAll(file, unknown ? 0 : static_cast<std::size_t>(fileSize) + 1);
     if (!file.is_open() || file.bad()) {
-        throw std::runtime_error("Could not read " + path.string() + ": " +
+        throw std::runtime_error("Could not read " + utf8Of(path) + ": " +
                                  std::error_code(errno, std::generic_category()).message());
     }
     return contents;

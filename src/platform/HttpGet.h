@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Platform {
 
@@ -23,6 +24,9 @@ struct HttpAnswer {
 
     bool good() const { return error.empty() && status == 200; }
 };
+
+// Anything that leaves this machine is to be encrypted.
+bool mayBeAsked(std::string_view address);
 
 class HttpGet {
 public:

@@ -1,4 +1,4 @@
-// What a program can ask about itself.
+// What a program or library can ask about itself.
 #pragma once
 
 #include <filesystem>
@@ -17,5 +17,8 @@ std::vector<std::string> argumentsOfThisProgram(int argc, char** argv);
 
 // From here on the standard streams carry bytes as they are: no line end is translated.
 void keepStandardStreamsUnchanged();
+
+// The library that calls this stays in memory until the program ends, even if all who have loaded it let go.
+void keepThisLibrary() noexcept;
 
 } // namespace Platform

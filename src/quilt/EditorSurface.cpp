@@ -77,8 +77,12 @@ auto Editor::handle(const Event& event) {
 void Editor::mousePressed(const MouseEvent& event) {
     handle([&] {
         if (field_ != nullptr && field_->bounds().contains(event.at)) {
-            fieldPressed_ = event.button == MouseButton::left;
+            const bool wholeWord = event.button == MouseButton::left && event.clicks == 2;
+            fieldPressed_ = event.button == MouseButton::left && !wholeWord;
             field_->pressed(event.at.x, event.modifiers.shift);
+            if (wholeWord) {
+                field_->selectWord();
+            }
             invalidate(field_->bounds());
             return true;
         }

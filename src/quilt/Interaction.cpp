@@ -80,6 +80,7 @@ void Interaction::mousePressed(const MouseEvent& event) {
     if (event.button == MouseButton::left) {
         pressed_ = view;
     }
+    hintMuted_ = true;
     view->pressed(relativeTo(*view, event));
 }
 
@@ -87,17 +88,20 @@ void Interaction::mouseReleased(const MouseEvent& event) {
     mouse_ = event.at;
     if (event.button == MouseButton::left && pressed_ != nullptr) {
         View* const view = std::exchange(pressed_, nullptr);
+        hintMuted_ = true;
         view->released(relativeTo(*view, event));
     }
     refresh();
 }
 
 void Interaction::mouseMoved(const MouseEvent& event) {
-    if (mouse_ != event.at) {
+    const bool moves = mouse_ != event.at;
+    if (moves) {
         restingSince_ = editor_.services().clock.now();
     }
     mouse_ = event.at;
     if (pressed_ != nullptr) {
+        hintMuted_ = hintMuted_ && !moves;
         pressed_->dragged(relativeTo(*pressed_, event));
         return;
     }
@@ -121,6 +125,7 @@ bool Interaction::wheel(const WheelEvent& event) {
         WheelEvent local = event;
         local.at = relativeTo(*view, event.at);
         if (view->wheel(local)) {
+            hintMuted_ = false;
             return true;
         }
         if (view == outermost) {
@@ -238,6 +243,7 @@ void Interaction::updateHint() {
         view = view->parent();
     }
     if (view != hinted_) {
+        hintMuted_ = pressed_ != nullptr;
         hinted_ = view;
         restingSince_ = editor_.services().clock.now();
     }

@@ -36,6 +36,10 @@ public:
 
     // The view whose hint is shown; nullptr: none is.
     const View* hinted() const { return hinted_; }
+
+    // Whether a click has had its say since the mouse came to that view: a menu or a field may stand there now,
+    // and who clicks knows what at. Dragging and the wheel change what the hint says, and bring it back.
+    bool hintMuted() const { return hintMuted_; }
     std::chrono::milliseconds restingSince() const { return restingSince_; }
     const std::optional<Point>& mouse() const { return mouse_; }
     const View* pressed() const { return pressed_; }
@@ -58,6 +62,7 @@ private:
     View* pressed_ = nullptr;
     View* focused_ = nullptr;
     const View* hinted_ = nullptr;
+    bool hintMuted_ = false;
     bool focusShown_ = false;
     Cursor cursor_ = Cursor::arrow;
     std::string hint_;

@@ -181,6 +181,17 @@ void TextField::pressed(std::int32_t x, bool extend) {
     moveTo(placeAt(x - bounds_.left - kPadding * scale_ + scroll_), extend);
 }
 
+void TextField::selectWord() {
+    anchor_ = caret_;
+    while (anchor_ > 0 && !isBlank(text_[anchor_ - 1])) {
+        --anchor_;
+    }
+    while (caret_ < text_.size() && !isBlank(text_[caret_])) {
+        ++caret_;
+    }
+    scrollToCaret();
+}
+
 void TextField::scrollToCaret() {
     const double room = bounds_.width - 2 * kPadding * scale_;
     const double at = widthTo(caret_);

@@ -37,6 +37,7 @@ public:
     // At `x` of the surface.
     void pressed(std::int32_t x, bool extend);
     void dragged(std::int32_t x) { pressed(x, true); }
+    void selectWord(); // that the caret is in or at
 
     // `context` is that of the surface.
     void draw(const DrawContext& context) const;

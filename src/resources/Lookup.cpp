@@ -1,6 +1,7 @@
 #include "resources/Lookup.h"
 
 #include "platform/FileRead.h"
+#include "platform/PathText.h"
 
 #include <array>
 #include <stdexcept>
@@ -51,7 +52,7 @@ std::optional<std::string> Lookup::find(Type type, std::string_view name) const 
     if (const auto carried = Resources::find(type, stem)) {
         return std::string(*carried);
     }
-    const fs::path relative(std::u8string(stem.begin(), stem.end()));
+    const fs::path relative = Platform::pathFromUtf8(stem);
     if (folder_.empty() || !staysBelow(relative)) {
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "tool/Commands.h"
 
 #include "platform/AtomicFileWrite.h"
+#include "platform/PathText.h"
 #include "tool/EffectOptions.h"
 #include "tool/FrameList.h"
 #include "tool/Sound.h"
@@ -29,10 +30,10 @@ void analyze(const Options& options) {
     if (options.table == "-" || (options.table.empty() && options.picture.empty())) {
         fmt::print("{}", framesAsTable(frames));
     } else if (!options.table.empty()) {
-        Platform::atomicFileWrite(options.table, framesAsTable(frames));
+        Platform::atomicFileWrite(Platform::pathFromUtf8(options.table), framesAsTable(frames));
     }
     if (!options.picture.empty()) {
-        drawFrames(options.picture, sound, frames);
+        drawFrames(Platform::pathFromUtf8(options.picture), sound, frames);
     }
 }
 

@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Tool {
@@ -61,29 +62,42 @@ void listBank(const Options& options) {
     Bnk::readBankChunk(chunk, programs, midiConfig);
     const auto count = std::min<std::uint32_t>(Bnk::BankContent(chunk).count(), Model::Programs::kCount);
     if (!options.exportFolder.empty()) {
-        fs::create_directories(options.exportFolder);
+        fs::create_directories(Model::pathFromUtf8(options.exportFolder));
     }
     for (int i = 0; i < static_cast<int>(count); ++i) {
         const std::string name = programs[i].name();
         if (!options.exportFolder.empty()) {
-            Platform::atomicFileWrite(fs::path(options.exportFolder) / fileNameFor(i + 1, name),
+            Platform::atomicFileWrite(Model::pathFromUtf8(options.exportFolder) / fileNameFor(i + 1, name),
                                       Stackbrace::withFileLineEnds(Model::writePatch(programs[i])));
         }
         fmt::print("{}\t{}\n", i + 1, name);
     }
 }
 
+// It put a blank before every unit, the percent sign too.
+std::string asInFactory(std::string patch) {
+    constexpr std::string_view kValue = "\n\t\t"; // a parameter's line, which a name's is not
+    for (auto line = patch.find(kValue); line != std::string::npos; line = patch.find(kValue, line + 1)) {
+        const auto last = patch.find('\n', line + 1) - 2; // before the quote at the end
+        if (patch[last] == '%') {
+            patch.insert(last, " ");
+        }
+    }
+    return patch;
+}
+
 void makeBank(const Options& options) {
     std::vector<std::string> patches;
     for (const std::string& file : options.files) {
-        patches.push_back(Model::writePatch(Model::readPatch(readTextFile(file), sourceName(file))));
+        std::string patch = Model::writePatch(Model::readPatch(readTextFile(file), sourceName(file)));
+        patches.push_back(options.factory ? asInFactory(std::move(patch)) : std::move(patch));
     }
     const auto chunkHeader = options.factory ? kFactoryChunk : Bnk::BankHeader();
     const auto fileHeader = options.factory
                                 ? kFactoryFile
                                 : Bnk::BankFileHeader{.programs = static_cast<std::uint32_t>(patches.size())};
     const std::string chunk = Bnk::packBankChunk(chunkHeader, patches, Model::writeMidiConfig({}));
-    Platform::atomicFileWrite(options.output, Bnk::bankFileOf(chunk, fileHeader));
+    Platform::atomicFileWrite(Model::pathFromUtf8(options.output), Bnk::bankFileOf(chunk, fileHeader));
 }
 
 void checkUsage(const Options& options) {

@@ -16,6 +16,7 @@
 #include <iostream>
 #include <memory>
 #include <numbers>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -154,14 +155,7 @@ private:
                     kHalfLevel * static_cast<float>(std::sin(2 * std::numbers::pi * phase_));
                 phase_ = std::fmod(phase_ + step, 1.0);
             }
-            const std::array<const float*, 2> in = {sound.data(), sound.data()};
-            std::array<std::array<float, kBlock>, 2> output;
-            const std::array<float*, 2> out = {output[0].data(), output[1].data()};
-            Shell::AudioBuffers buffers;
-            buffers.in = in.data();
-            buffers.out = out.data();
-            buffers.samples = samples;
-            effect_.process(buffers);
+            windowless_.hear(std::span(sound).first(static_cast<std::size_t>(samples)));
             left -= samples;
         }
         effect_.idle();
@@ -214,6 +208,9 @@ void run(const std::string& preferences) {
             say("error: " + oneLine(error.what()));
         }
         std::cout.flush(); // somebody may be waiting for the answer before asking the next
+        if (!std::cout) {
+            return; // nobody gets the answers any more
+        }
     }
 }
 

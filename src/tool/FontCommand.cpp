@@ -39,7 +39,7 @@ void checkFont(const std::string& file) {
 }
 
 void convert(const std::string& from, const std::string& to, const FontOrigin& origin) {
-    Platform::atomicFileWrite(Model::pathFromUtf8(to), convertFont(Model::pathFromUtf8(from), origin));
+    Platform::atomicFileWrite(Model::pathFromUtf8(to), convertFont(from, origin));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tool/FontConverter.h"
 
+#include "tool/TextFile.h"
+
 #include <fmt/core.h>
 #include <ft2build.h>
 #include <hb-ft.h>
@@ -334,19 +336,21 @@ std::string kerningStatements(FT_Face face, const std::vector<unsigned>& codes) 
 
 } // namespace
 
-std::string convertFont(const std::filesystem::path& file, const FontOrigin& origin) {
+std::string convertFont(const std::string& file, const FontOrigin& origin) {
+    const std::string content = readTextFile(file);
     FT_Library opened = nullptr;
     if (FT_Init_FreeType(&opened) != 0) {
         throw std::runtime_error("Could not start the font library");
     }
     const LibraryPtr library(opened);
     FT_Face openedFace = nullptr;
-    if (FT_New_Face(library.get(), file.string().c_str(), 0, &openedFace) != 0) {
-        throw std::runtime_error(fmt::format("Could not read the font {}", file.string()));
+    if (FT_New_Memory_Face(library.get(), reinterpret_cast<const FT_Byte*>(content.data()),
+                           static_cast<FT_Long>(content.size()), 0, &openedFace) != 0) {
+        throw std::runtime_error(fmt::format("Could not read the font {}", file));
     }
     const FacePtr face(openedFace);
     if (!FT_IS_SCALABLE(face.get())) {
-        throw std::runtime_error(fmt::format("{} is not an outline font", file.string()));
+        throw std::runtime_error(fmt::format("{} is not an outline font", file));
     }
 
     std::string text = commentOf(face.get(), origin);
@@ -363,8 +367,7 @@ std::string convertFont(const std::filesystem::path& file, const FontOrigin& ori
         }
         if (FT_Load_Glyph(face.get(), *index, FT_LOAD_NO_SCALE) != 0 ||
             face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) {
-            throw std::runtime_error(
-                fmt::format("Could not read glyph {} of the font {}", *index, file.string()));
+            throw std::runtime_error(fmt::format("Could not read glyph {} of the font {}", *index, file));
         }
         codes.push_back(code);
         const long advance = face->glyph->advance.x;

@@ -2,7 +2,6 @@
 // of ISO 8859-1 and the font's sign for characters it lacks, with the kerning that a text shaper would apply.
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 namespace Tool {
@@ -13,7 +12,7 @@ struct FontOrigin {
     std::string licence; // its name; may be empty
 };
 
-// Throws std::runtime_error that names the file.
-std::string convertFont(const std::filesystem::path& file, const FontOrigin& origin = {});
+// Throws std::runtime_error that names the file, "-" being standard input.
+std::string convertFont(const std::string& file, const FontOrigin& origin = {});
 
 } // namespace Tool

@@ -1,5 +1,6 @@
 #include "tool/LayoutFiles.h"
 
+#include "platform/PathText.h"
 #include "tool/TextFile.h"
 
 #include <filesystem>
@@ -7,13 +8,13 @@
 namespace Tool {
 
 std::string LayoutFiles::obtain(const std::string& name) const {
-    if (name == file_ && (file_ == "-" || std::filesystem::exists(file_))) {
+    if (name == file_ && (file_ == "-" || std::filesystem::exists(Platform::pathFromUtf8(file_)))) {
         return readTextFile(name);
     }
     if (auto resource = resources_.find(Resources::Type::quilt, name)) {
         return *std::move(resource);
     }
-    return readTextFile((std::filesystem::path(file_).parent_path() / name).string());
+    return readTextFile(Platform::utf8Of(Platform::pathFromUtf8(file_).parent_path() / Platform::pathFromUtf8(name)));
 }
 
 } // namespace Tool

@@ -7,8 +7,13 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace {
@@ -51,13 +56,23 @@ int run(int argc, char** argv) {
     return 0;
 }
 
+// A result that has not arrived is a failure: the disk may be full.
+void finishOutput() {
+    const int failure = std::fflush(stdout) == 0 ? 0 : errno; // std::cout forgets the reason
+    std::cout.flush();
+    if (failure != 0 || !std::cout || std::ferror(stdout) != 0) {
+        const std::string reason = failure != 0 ? std::string(": ") + std::strerror(failure) : "";
+        throw std::runtime_error("Could not write to standard output" + reason);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     try {
         Platform::keepStandardStreamsUnchanged();
         const int status = run(argc, argv);
-        std::cout.flush();
+        finishOutput();
         return status;
     } catch (const std::exception& error) {
         std::cout.flush();

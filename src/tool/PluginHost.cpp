@@ -1,5 +1,7 @@
 #include "tool/PluginHost.h"
 
+#include "platform/PathText.h"
+
 #include <fmt/core.h>
 
 #include <algorithm>
@@ -54,17 +56,17 @@ PluginHost::PluginHost(const std::filesystem::path& plugin, double sampleRate, i
     const auto enter = library_.function<AEffect*(audioMasterCallback)>(kEntryName);
     if (!enter) {
         throw std::runtime_error(
-            fmt::format("{} is no VST 2 plug-in: it has no {}", plugin.string(), kEntryName));
+            fmt::format("{} is no VST 2 plug-in: it has no {}", Platform::utf8Of(plugin), kEntryName));
     }
     effect_ = enter(callback);
     if (!effect_ || effect_->magic != kEffectMagic) {
-        throw std::runtime_error(fmt::format("{} could not start", plugin.string()));
+        throw std::runtime_error(fmt::format("{} could not start", Platform::utf8Of(plugin)));
     }
     effect_->resvd1 = reinterpret_cast<VstIntPtr>(this);
     call(effOpen);
     if (effect_->numInputs != 2 || effect_->numOutputs != 2 || !effect_->processReplacing) {
         call(effClose);
-        throw std::runtime_error(fmt::format("{} is no stereo effect", plugin.string()));
+        throw std::runtime_error(fmt::format("{} is no stereo effect", Platform::utf8Of(plugin)));
     }
     call(effSetSampleRate, 0, 0, nullptr, static_cast<float>(sampleRate));
     call(effSetBlockSize, 0, blockSize);

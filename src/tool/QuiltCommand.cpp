@@ -2,12 +2,14 @@
 
 #include "bridge/MidiAssignView.h"
 #include "images/ImageLibrary.h"
+#include "platform/PathText.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
 #include "quilt/View.h"
 #include "quilt/ViewFactory.h"
 #include "resources/Lookup.h"
 #include "tool/LayoutFiles.h"
+#include "tool/NumberArgument.h"
 #include "tool/SilentDesktop.h"
 #include "tool/SurfaceFile.h"
 #include "tool/WindowlessEffect.h"
@@ -120,7 +122,7 @@ void load(const LoadOptions& options) {
     const Quilt::SteadyClock clock;
     SilentDesktop desktop;
     // Pictures, too, may stand beside the document.
-    const auto folder = std::filesystem::path(options.file).parent_path();
+    const auto folder = Platform::pathFromUtf8(options.file).parent_path();
     Images::ImageLibrary images(Resources::Lookup(folder.empty() ? "." : folder),
                                 [](std::string_view line) { std::cerr << line << '\n'; });
     Quilt::Editor editor(
@@ -155,10 +157,10 @@ struct SnapshotOptions {
 };
 
 // A second of a tone with all harmonics, for what shows the sound that goes through.
-void sound(Shell::EffectInstance& effect, double frequency) {
+void sound(WindowlessEffect& effect, double frequency) {
     constexpr int kBlock = 512;
     constexpr float kLevel = 0.25f;
-    const double rate = effect.audio().sampleRate();
+    const double rate = effect.effect().audio().sampleRate();
     double phase = 0;
     for (double left = rate; left > 0; left -= kBlock) {
         std::array<float, kBlock> wave{};
@@ -166,26 +168,19 @@ void sound(Shell::EffectInstance& effect, double frequency) {
             sample = kLevel * static_cast<float>(2 * phase - 1);
             phase = std::fmod(phase + frequency / rate, 1.0);
         }
-        const std::array<const float*, 2> in = {wave.data(), wave.data()};
-        std::array<std::array<float, kBlock>, 2> output;
-        const std::array<float*, 2> out = {output[0].data(), output[1].data()};
-        Shell::AudioBuffers buffers;
-        buffers.in = in.data();
-        buffers.out = out.data();
-        buffers.samples = kBlock;
-        effect.process(buffers);
+        effect.hear(wave);
     }
-    effect.idle();
+    effect.effect().idle();
 }
 
 // With an effect of its own behind it, as it comes out of the box.
 void snapshot(const SnapshotOptions& options) {
     const Resources::Lookup resources =
-        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(options.resources);
+        options.resources.empty() ? Resources::Lookup() : Resources::Lookup(Platform::pathFromUtf8(options.resources));
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
     if (options.tone > 0) {
-        sound(effect.effect(), options.tone);
+        sound(effect, options.tone);
     }
 
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });
@@ -248,7 +243,7 @@ void addQuiltCommand(CLI::App& program) {
     drawing->add_option("--resources", picture->resources, "A folder with more layouts, images and fonts")
         ->check(CLI::ExistingDirectory);
     drawing->add_option("--tone", picture->tone, "A second of a tone of so many Hz goes through the effect first")
-        ->check(CLI::Range(20.0, 10000.0));
+        ->check(numberWithin(20, 10000));
     drawing->callback([picture] { snapshot(*picture); });
 
     quilt->add_subcommand("types", "Prints the reference of view types and their properties")->callback([] {

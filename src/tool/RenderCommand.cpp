@@ -1,11 +1,13 @@
 #include "tool/Commands.h"
 
 #include "parameters/ParameterTable.h"
+#include "platform/PathText.h"
 #include "platform/ThisProgram.h"
 #include "state/Chunks.h"
 #include "tool/Automation.h"
 #include "tool/EffectOptions.h"
 #include "tool/MidiFile.h"
+#include "tool/NumberArgument.h"
 #include "tool/PluginHost.h"
 #include "tool/Progress.h"
 #include "tool/Sound.h"
@@ -158,7 +160,7 @@ void render(const Options& options) {
     soundFormatOf(options.output); // before any work is done
     const Sound in = readSound(options.input);
     Performance performance(options, in.rate);
-    PluginHost host(options.plugin.empty() ? pluginBesideCommand() : std::filesystem::path(options.plugin),
+    PluginHost host(options.plugin.empty() ? pluginBesideCommand() : Platform::pathFromUtf8(options.plugin),
                     in.rate, options.blockSize);
     host.setTempo(options.tempo);
     setEffect(host, options.effect);
@@ -169,7 +171,7 @@ void render(const Options& options) {
     const Sound out = play(host, in, performance, in.length() + tail,
                            static_cast<std::size_t>(std::max(latency, 0)), options.blockSize);
     host.suspend();
-    writeSound(options.output, out);
+    writeSound(Platform::pathFromUtf8(options.output), out);
 }
 
 } // namespace
@@ -188,7 +190,7 @@ void addRenderCommand(CLI::App& program) {
     addEffectOptions(*command, options->effect);
     command->add_option("--midi", options->midi, "Plays a MIDI file into the plug-in")->type_name("FILE.mid");
     command->add_option("--tempo", options->tempo, "Has the song run from its start at this tempo")
-        ->check(CLI::Range(kSlowestTempo, kFastestTempo))
+        ->check(numberWithin(kSlowestTempo, kFastestTempo))
         ->type_name("BPM");
     command->add_option("--block", options->blockSize, "Samples a block")
         ->check(CLI::Range(1, kLargestBlock))
@@ -200,7 +202,7 @@ void addRenderCommand(CLI::App& program) {
         ->allow_extra_args(false)
         ->type_name("NAME=T0:V0,T1:V1,...");
     command->add_option("--tail", options->tailSeconds, "Goes on with silence behind the sound")
-        ->check(CLI::Range(0.0, kLongestTail))
+        ->check(numberWithin(0, kLongestTail))
         ->type_name("SECONDS");
     command->add_flag("--compensate", options->compensate,
                       "Drops the delay that the plug-in reports from the front");

@@ -1,6 +1,7 @@
 #include "tool/Sound.h"
 
 #include "platform/AtomicFileWrite.h"
+#include "platform/PathText.h"
 #include "tool/TextFile.h"
 
 #include <fmt/core.h>
@@ -110,7 +111,7 @@ Sound readSound(const std::string& name) {
 }
 
 int soundFormatOf(const std::filesystem::path& path) {
-    std::string extension = path.extension().string();
+    std::string extension = Platform::utf8Of(path.extension());
     std::ranges::transform(extension, extension.begin(),
                            [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
     if (extension == ".wav") {
@@ -119,7 +120,7 @@ int soundFormatOf(const std::filesystem::path& path) {
     if (extension == ".flac") {
         return SF_FORMAT_FLAC | SF_FORMAT_PCM_24;
     }
-    fail("write", path.string(), "the name must end in .wav or .flac");
+    fail("write", Platform::utf8Of(path), "the name must end in .wav or .flac");
 }
 
 void writeSound(const std::filesystem::path& path, const Sound& sound) {
@@ -135,17 +136,17 @@ void writeSound(const std::filesystem::path& path, const Sound& sound) {
     Bytes target;
     File file(sf_open_virtual(&kInMemory, SFM_WRITE, &info, &target));
     if (!file) {
-        fail("write", path.string(), sf_strerror(nullptr));
+        fail("write", Platform::utf8Of(path), sf_strerror(nullptr));
     }
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
     // Peak chunks carry the time of writing: the same sound shall give the same bytes.
     sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
     const auto frames = static_cast<sf_count_t>(sound.length());
     if (sf_writef_float(file.get(), pairs.data(), frames) != frames) {
-        fail("write", path.string(), sf_strerror(file.get()));
+        fail("write", Platform::utf8Of(path), sf_strerror(file.get()));
     }
     if (const int error = sf_close(file.release())) {
-        fail("write", path.string(), sf_error_number(error));
+        fail("write", Platform::utf8Of(path), sf_error_number(error));
     }
     Platform::atomicFileWrite(path, target.contents);
 }

@@ -1,6 +1,7 @@
 #include "tool/Commands.h"
 #include "tool/TextFile.h"
 
+#include "platform/PathText.h"
 #include "tombola/Processor.h"
 
 #include <CLI/CLI.hpp>
@@ -20,23 +21,23 @@ namespace {
 
 struct Options {
     std::string file;
-    std::filesystem::path includeFolder;
+    std::string includeFolder;
     std::optional<std::size_t> offset;
 };
 
 Tombola::IncludeLoader loaderBelow(const std::filesystem::path& folder) {
     return [folder](const std::string& name) -> std::optional<std::string> {
-        const auto path = std::filesystem::path(name).lexically_normal();
-        if (path.is_absolute() || (!path.empty() && *path.begin() == "..")) {
+        const auto path = Platform::pathFromUtf8(name).lexically_normal();
+        if (path.has_root_path() || (!path.empty() && *path.begin() == "..")) {
             return std::nullopt;
         }
-        return Tombola::loadFile((folder / path).string());
+        return Tombola::loadFile(Platform::utf8Of(folder / path));
     };
 }
 
 void expand(const Options& options) {
     Tombola::Processor processor(options.includeFolder.empty() ? Tombola::loadFile
-                                                               : loaderBelow(options.includeFolder));
+                                                               : loaderBelow(Platform::pathFromUtf8(options.includeFolder)));
     std::string expansion;
     Tombola::PositionMap positions;
     processor.process(sourceName(options.file), readTextFile(options.file), expansion,
@@ -62,6 +63,10 @@ void addTombolaCommand(CLI::App& program) {
     command->add_option("--include-dir", options->includeFolder, "Reads includes below this folder only")
         ->type_name("DIR");
     command->add_option("--map", options->offset, "Prints where that byte of the expansion came from instead")
+        ->check([](const std::string& offset) {
+            // Else it would be read as a number beyond all texts.
+            return std::string(offset.starts_with('-') ? "expected an offset of 0 or more, not " + offset : "");
+        })
         ->type_name("OFFSET");
     command->callback([options] { expand(*options); });
 }

@@ -6,6 +6,7 @@
 
 #include <fmt/core.h>
 
+#include <array>
 #include <iostream>
 #include <random>
 #include <system_error>
@@ -23,7 +24,7 @@ Quilt::StringTable stringTable() {
 
 } // namespace
 
-PreferencesFolder::PreferencesFolder(const std::string& given) : path_(given), temporary_(given.empty()) {
+PreferencesFolder::PreferencesFolder(const std::string& given) : path_(Model::pathFromUtf8(given)), temporary_(given.empty()) {
     std::random_device random;
     while (temporary_ && (path_.empty() || !fs::create_directories(path_))) {
         path_ = fs::temp_directory_path() / fmt::format("murmelon-{:08x}", random());
@@ -54,6 +55,15 @@ WindowlessEffect::WindowlessEffect(const std::string& preferences, SayingHost::S
     while (const auto report = effect_.takeReport()) {
         std::cerr << *report << '\n';
     }
+}
+
+void WindowlessEffect::hear(std::span<float> block) {
+    const std::array<float*, 2> channels = {block.data(), block.data()};
+    Shell::AudioBuffers buffers;
+    buffers.in = channels.data();
+    buffers.out = channels.data();
+    buffers.samples = static_cast<int>(block.size());
+    effect_.process(buffers);
 }
 
 std::string WindowlessEffect::answer(std::string_view name) const {

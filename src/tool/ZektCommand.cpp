@@ -1,6 +1,7 @@
 #include "tool/Commands.h"
 
 #include "platform/FileRead.h"
+#include "platform/PathText.h"
 #include "tool/ScriptError.h"
 #include "tool/TextFile.h"
 #include "zekt/Interpreter.h"
@@ -44,13 +45,13 @@ public:
     bool execute(ZEKT::Frame&, std::string_view, const ZEKT::ArgumentText&) override { return false; }
 
     std::optional<std::string> loadInclude(const std::string& fileName) override {
-        const auto path = std::filesystem::path(fileName).lexically_normal();
-        const bool below = path.is_relative() && !path.empty() && *path.begin() != "..";
+        const auto path = Platform::pathFromUtf8(fileName).lexically_normal();
+        const bool below = !path.has_root_path() && !path.empty() && *path.begin() != "..";
         if (options_.includeFolder.empty() || !below) {
             return std::nullopt;
         }
         try {
-            return Platform::readFile(std::filesystem::path(options_.includeFolder) / path);
+            return Platform::readFile(Platform::pathFromUtf8(options_.includeFolder) / path);
         } catch (const std::runtime_error&) {
             return std::nullopt;
         }

@@ -166,7 +166,7 @@ TEST(MidiConfigText, readsNumbersOnBothSidesOfTheirLimits) {
 }
 
 TEST(MidiConfigText, missesWhatIsMissing) {
-    const std::string nothing = "Invalid Stackbrace at line 1 column 1 (offset 0)";
+    const std::string nothing = "Invalid Stackbrace in f at line 1 column 1 (offset 0)";
     for (const std::string key : {"programChanges", "inputChannel", "pitchBendRange", "pitchBendHeldOnly",
                                   "masterTuning", "programKeysEnabled", "programKeysBaseNote"}) {
         MidiConfig config;

@@ -10,6 +10,14 @@
 #include <string>
 #include <utility>
 
+#if !defined(_WIN32)
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#endif
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -75,7 +83,9 @@ TEST_F(AtomicFileWriteTest, saysWhichFileCouldNotBeWritten) {
         EXPECT_EQ(error.what(), "Could not write " + path.string() + ": No such file or directory");
     }
     // A folder stands where the file should go.
-    EXPECT_THROW(Platform::atomicFileWrite(folder_, "text"), std::runtime_error);
+    fs::create_directory(folder_ / "folder");
+    EXPECT_THROW(Platform::atomicFileWrite(folder_ / "folder", "text"), std::runtime_error);
+    EXPECT_EQ(filesInFolder(), 1); // nothing is left beside it
 }
 
 TEST_F(AtomicFileWriteTest, whatWasWrittenIsRead) {
@@ -96,3 +106,43 @@ TEST_F(AtomicFileWriteTest, whatWasWrittenIsRead) {
         }
     }
 }
+
+#if !defined(_WIN32)
+
+TEST_F(AtomicFileWriteTest, takesNamesOfAnyLength) {
+    const auto path = folder_ / (std::string(250, 'n') + ".kvmp");
+    Platform::atomicFileWrite(path, "text");
+    EXPECT_EQ(contentsOf(path), "text");
+    EXPECT_EQ(filesInFolder(), 1);
+}
+
+TEST_F(AtomicFileWriteTest, writesToWhatALinkLeadsTo) {
+    fs::create_directory(folder_ / "kept");
+    Platform::atomicFileWrite(folder_ / "kept" / "file", "old");
+    fs::create_symlink("kept/file", folder_ / "link");
+    fs::create_symlink("link", folder_ / "second");
+    Platform::atomicFileWrite(folder_ / "second", "new");
+    EXPECT_EQ(contentsOf(folder_ / "kept" / "file"), "new");
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_TRUE(fs::is_symlink(folder_ / "second"));
+    EXPECT_EQ(filesInFolder(), 3);
+
+    fs::create_symlink("nowhere", folder_ / "third");
+    Platform::atomicFileWrite(folder_ / "third", "text");
+    EXPECT_EQ(contentsOf(folder_ / "third"), "text");
+}
+
+TEST_F(AtomicFileWriteTest, leavesPipesAndDevicesInTheirPlaces) {
+    const auto pipe = folder_ / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    Platform::atomicFileWrite(pipe, "text");
+    std::array<char, 10> arrived{};
+    EXPECT_EQ(read(reader, arrived.data(), arrived.size()), 4);
+    EXPECT_STREQ(arrived.data(), "text");
+    close(reader);
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    EXPECT_EQ(filesInFolder(), 1);
+}
+
+#endif

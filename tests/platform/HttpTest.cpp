@@ -1,86 +1,21 @@
+#include "LoopbackServer.h"
+
 #include "platform/HttpGet.h"
 #include "platform/UpdateCheck.h"
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <chrono>
 #include <filesystem>
-#include <functional>
-#include <map>
-#include <netinet/in.h>
 #include <string>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
 
 using namespace Platform;
+using Testing::LoopbackServer;
+using Testing::reply;
 using namespace std::chrono_literals;
 
 namespace {
-
-// Answers what a path says, and keeps silent on paths that it does not know.
-class LoopbackServer {
-public:
-    explicit LoopbackServer(std::map<std::string, std::string> answers) : answers_(std::move(answers)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof(address);
-        socket_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        if (bind(socket_, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(socket_, 8) != 0 ||
-            getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-            throw std::runtime_error("No server on loopback");
-        }
-        port_ = ntohs(address.sin_port);
-        thread_ = std::thread([this] { serve(); });
-    }
-    ~LoopbackServer() {
-        shutdown(socket_, SHUT_RDWR);
-        thread_.join();
-        close(socket_);
-    }
-
-    std::string address(const std::string& path) const {
-        return "http://127.0.0.1:" + std::to_string(port_) + path;
-    }
-
-private:
-    void serve() {
-        std::vector<int> silent;
-        while (true) {
-            const int client = accept(socket_, nullptr, nullptr);
-            if (client < 0) {
-                break;
-            }
-            char request[4096] = {};
-            const ssize_t count = read(client, request, sizeof(request) - 1);
-            const std::string text(request, static_cast<std::size_t>(std::max<ssize_t>(0, count)));
-            const std::size_t start = text.find(' ') + 1;
-            const auto answer = answers_.find(text.substr(start, text.find(' ', start) - start));
-            if (answer == answers_.end()) {
-                silent.push_back(client);
-                continue;
-            }
-            send(client, answer->second.data(), answer->second.size(), MSG_NOSIGNAL);
-            close(client);
-        }
-        for (const int client : silent) {
-            close(client);
-        }
-    }
-
-    std::map<std::string, std::string> answers_;
-    int socket_ = -1;
-    int port_ = 0;
-    std::thread thread_;
-};
-
-std::string reply(const std::string& body, const std::string& status = "200 OK",
-                  const std::string& more = {}) {
-    return "HTTP/1.1 " + status + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" + more +
-           "Connection: close\r\n\r\n" + body;
-}
 
 HttpAnswer waitFor(HttpGet& get) {
     const auto deadline = std::chrono::steady_clock::now() + 5s;
@@ -127,7 +62,7 @@ TEST(HttpGet, AnswersWithinItsBounds) {
         HttpRequest request;
         request.address = c.address;
         request.mostBytes = 1000;
-        request.timeout = 300ms;
+        request.timeout = 1s;
         const auto get = HttpGet::start(request);
         const HttpAnswer answer = waitFor(*get);
         EXPECT_EQ(answer.status, c.status) << c.address;
@@ -139,8 +74,12 @@ TEST(HttpGet, AnswersWithinItsBounds) {
 TEST(HttpGet, IsCancelledAtOnceAndLeavesNothing) {
     const LoopbackServer server({});
     const auto openFiles = [] {
+#ifdef __linux__
         const auto files = std::filesystem::directory_iterator("/proc/self/fd");
         return std::distance(begin(files), end(files));
+#else
+        return 0;
+#endif
     };
     HttpRequest request;
     request.address = server.address("/silent");
@@ -149,13 +88,13 @@ TEST(HttpGet, IsCancelledAtOnceAndLeavesNothing) {
     waitFor(*HttpGet::start(refused)); // now the library has opened what it keeps
     const auto before = openFiles();
     const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 5; ++i) {
         const auto get = HttpGet::start(request);
         std::this_thread::sleep_for(5ms);
         EXPECT_FALSE(get->answer());
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
-    EXPECT_LE(openFiles(), before + 20) << "the server's ends alone stay open";
+    EXPECT_LE(openFiles(), before + 5) << "the server's ends alone stay open";
 }
 
 TEST(UpdateCheck, TellsOfNewerVersionsOnly) {

@@ -7,8 +7,10 @@
 namespace {
 
 using namespace TestEditor;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 struct Dot {
     int x;
@@ -330,6 +332,26 @@ TEST(Drawing, ReportsWhatItCannotLoadAndGoesOn) {
                             "Error reading color:\n\nInvalid color name: purplish.",
                             "Error loading font:\n\nCould not obtain OVS font: Nobodys.",
                             "Error drawing image:\n\nVariable nobody does not exist."));
+}
+
+TEST(Drawing, TellsAtWhichStatementAScriptFailed) {
+    const std::string script = "FORMAT OVS-2 requires:ZEKT-1; BOUNDS 0,0,9,9; IF yes [ RECT 0,0,$nobody,1 ]";
+    const std::string statement = "in: RECT 0,0,$nobody,1";
+    const struct {
+        std::string view, title;
+    } cases[] = {
+        {"{ type: raster, image: { ovsCode: '" + script + "' } }", "Error loading image"},
+        {"{ type: vector, live: true, image: { ovsCode: '" + script + "' } }", "Error drawing image"},
+    };
+    for (const auto& [view, title] : cases) {
+        SurfaceRig rig(view);
+        rig.editor.variables().set("verboseErrors", "true");
+        rig.draw();
+        rig.pass(0);
+        EXPECT_THAT(rig.host.logged, Contains(title + ": Variable nobody does not exist, " + statement));
+        EXPECT_THAT(rig.desktop.messages,
+                    ElementsAre(StartsWith(title + ":\n\nVariable nobody does not exist.\n\n" + statement + "\n\n")));
+    }
 }
 
 } // namespace

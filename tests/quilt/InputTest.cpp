@@ -470,6 +470,19 @@ TEST(Input, TypesValues) {
              r.key(Key::enter);
          },
          "two"},
+        {"a double click takes the word",
+         [](SurfaceRig& r) {
+             r.click(20, 20);
+             r.type("1 two");
+             r.press(35, 20);
+             r.release(35, 20);
+             r.press(35, 20, 2);
+             r.move(2, 20); // the hand shakes
+             r.release(2, 20);
+             r.type("3");
+             r.key(Key::enter);
+         },
+         "1 3"},
         {"copying",
          [](SurfaceRig& r) {
              r.click(20, 20);
@@ -591,6 +604,32 @@ TEST(Input, BringsABubbleToTheMouseThatRests) {
     rig.move(20, 30);
     rig.pass(0);
     EXPECT_EQ(rig.ink(), Rectangle());
+}
+
+// Else it would stand behind the menu or above the field that the click has opened.
+TEST(Input, TakesTheBubbleAwayWithAClickAndBringsItBackForAValue) {
+    SurfaceRig rig("{ type: dragArea, xVariable: v, yVariable: v, bounds: { 0, 0, 40, 10 }, hint: H } { type: bubble, "
+                   "background: '#0000ff', delay: 0.5, font: { ovsfont: 'sans-serif', size: 8 } }");
+    rig.draw();
+    const auto shown = [&rig] {
+        rig.pass(600);
+        return rig.ink() != Rectangle();
+    };
+    rig.move(20, 5);
+    EXPECT_TRUE(shown());
+    rig.press(20, 5);
+    EXPECT_FALSE(shown());
+    rig.move(22, 5);
+    EXPECT_TRUE(shown());
+    rig.release(22, 5);
+    EXPECT_FALSE(shown());
+    rig.press(22, 5, 1, Quilt::MouseButton::right);
+    rig.move(23, 5);
+    EXPECT_FALSE(shown());
+    rig.move(20, 30);
+    EXPECT_FALSE(shown());
+    rig.move(20, 5);
+    EXPECT_TRUE(shown());
 }
 
 TEST(Input, GoesToTheModalDocumentAlone) {

@@ -5,8 +5,25 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <limits>
+
+#if !defined(_WIN32)
+#include <malloc.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define MURMELON_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define MURMELON_SANITIZED 1
+#endif
+#endif
 
 using namespace Vst2;
 using testing::ElementsAre;
@@ -37,6 +54,34 @@ TEST(Entry, refusesHostsThatDoNotAnswer) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Murmelon: audioMaster returned 0\nMurmelon: audioMaster returned 0\n");
 }
+
+#if !defined(_WIN32) && !defined(MURMELON_SANITIZED) // which wants all the addresses there are
+TEST(Entry, whereMemoryRunsOutThereIsNoEffectButStillAHost) {
+    const auto enter = PluginHost::entry();
+    const audioMasterCallback master = [](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {
+        return opcode == audioMasterVersion ? VstIntPtr{kVstVersion} : 0;
+    };
+    int refused = 0;
+    for (rlim_t left = 0; left < 1500; left += 60) {
+        const pid_t child = fork();
+        if (child == 0) {
+            std::fclose(stderr);
+            malloc_trim(0); // what tests before this one have left
+            rlim_t pages = 0;
+            std::ifstream("/proc/self/statm") >> pages;
+            const auto used = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+            const rlimit limit = {used + left * 1024, RLIM_INFINITY};
+            setrlimit(RLIMIT_AS, &limit);
+            _exit(enter(master) == nullptr);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status)) << left << " KiB";
+        refused += WEXITSTATUS(status);
+    }
+    EXPECT_GT(refused, 0);
+}
+#endif
 
 TEST(Dispatcher, answersTexts) {
     PluginHost host;

@@ -1,38 +1,13 @@
 #include "PluginHost.h"
 
+#include "platform/LoadedLibrary.h"
+
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
-#include <numbers>
-#include <stdexcept>
 
 using namespace Vst2;
 
-const SettingsFolder settings;
 thread_local PluginHost* PluginHost::creating_ = nullptr;
-
-SettingsFolder::SettingsFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "murmelon-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no temporary folder");
-    }
-    folder = name;
-    ::setenv("XDG_CONFIG_HOME", name.c_str(), 1);
-}
-
-SettingsFolder::~SettingsFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-}
-
-std::filesystem::path SettingsFolder::preferencesFile() const {
-    return folder / "Murmelon" / "preferences";
-}
-
-void SettingsFolder::clear() const {
-    std::filesystem::remove_all(folder / "Murmelon");
-}
 
 Sound voice(std::size_t samples, double rate) {
     Sound sound(samples);
@@ -67,11 +42,8 @@ bool allFinite(const Sound& sound) {
 }
 
 VSTPluginMainProc PluginHost::entry() {
-    static void* const library = ::dlopen(MURMELON_PLUGIN, RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        throw std::runtime_error(::dlerror());
-    }
-    return reinterpret_cast<VSTPluginMainProc>(::dlsym(library, kEntryName));
+    static const auto* const library = new Platform::LoadedLibrary(MURMELON_PLUGIN); // until the program ends
+    return library->function<AEffect*(audioMasterCallback)>(kEntryName);
 }
 
 PluginHost::PluginHost(const Answers& given) : answers(given) {

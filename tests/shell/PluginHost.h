@@ -1,11 +1,12 @@
 // A host for tests: loads the plug-in binary as any host does, answers what it asks, and notes what it is told.
 #pragma once
 
+#include "UserSettings.h"
+
 #include "vst2abi/Vst2.h"
 
 #include <atomic>
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -26,17 +27,6 @@ struct Sound {
 Sound voice(std::size_t samples, double rate = 48000); // a buzz of 110 Hz with a little noise, panned
 double level(const Sound& sound, std::size_t from = 0); // RMS of both channels
 bool allFinite(const Sound& sound);
-
-// A folder of its own for the settings of all instances in this program, empty at first and again after
-// `clear`.
-struct SettingsFolder {
-    SettingsFolder();
-    ~SettingsFolder();
-    std::filesystem::path preferencesFile() const;
-    void clear() const;
-    std::filesystem::path folder;
-};
-extern const SettingsFolder settings;
 
 class PluginHost {
 public:

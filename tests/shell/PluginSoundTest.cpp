@@ -151,6 +151,52 @@ TEST(Channels, monoAndAccumulating) {
     }
 }
 
+// However long the block, gains ramp and parameters glide once from its start to its end.
+TEST(Channels, aLongBlockIsOneBlockForEveryOutput) {
+    const Sound in = voice(9000);
+    VstSpeakerArrangement one = {kSpeakerArrMono, 1};
+    VstSpeakerArrangement two = {kSpeakerArrStereo, 2};
+    const auto played = [&](bool adding, VstSpeakerArrangement& outArrangement) {
+        PluginHost host;
+        host.call(effSetSpeakerArrangement, 0, reinterpret_cast<VstIntPtr>(&two), &outArrangement);
+        host.start();
+        Sound out(in.size());
+        const auto entry = adding ? host.effect->process : host.effect->processReplacing;
+        for (std::size_t from = 0; from < in.size(); from += 4500) {
+            float* ins[] = {const_cast<float*>(in.left.data()) + from,
+                            const_cast<float*>(in.right.data()) + from};
+            float* outs[] = {out.left.data() + from, out.right.data() + from};
+            entry(host.effect, ins, outs, 4500);
+            host.set(kMix, 0.1f);
+            host.set(kPitch, 0.55f);
+        }
+        return out;
+    };
+    const Sound reference = played(false, two);
+    const Sound sum = played(true, two);
+    const Sound middle = played(false, one);
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        ASSERT_EQ(sum.left[i], reference.left[i]) << i;
+        ASSERT_EQ(sum.right[i], reference.right[i]) << i;
+        ASSERT_NEAR(middle.left[i], (reference.left[i] + reference.right[i]) / 2, 1e-6) << i;
+        ASSERT_EQ(middle.right[i], 0) << i;
+    }
+}
+
+TEST(Channels, withoutAnInputTheOutputsAreSilent) {
+    PluginHost host;
+    host.start();
+    Sound out(300);
+    float* outs[] = {out.left.data(), out.right.data()};
+    float* none[] = {nullptr, nullptr};
+    for (float** const ins : {static_cast<float**>(nullptr), none}) {
+        out.left.assign(300, 1);
+        out.right.assign(300, 1);
+        host.effect->processReplacing(host.effect, ins, outs, 300);
+        EXPECT_EQ(out, Sound(300));
+    }
+}
+
 TEST(Latency, isThatOfTheDryPathAndToldFromTheMainThread) {
     PluginHost host;
     host.start(48000);

@@ -7,14 +7,12 @@
 #include "model/Preferences.h"
 #include "model/Product.h"
 #include "model/Programs.h"
-#include "platform/SharedFile.h"
+#include "platform/UserRecord.h"
 #include "state/Chunks.h"
 #include "state/StartupBank.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 using namespace Vst2;
 
@@ -111,8 +109,7 @@ TEST(Chunks, stayValidUntilTheNextOfTheirKind) {
 namespace {
 
 void store(std::string_view entry, const std::string& content) {
-    Platform::SharedFile file(settings.preferencesFile());
-    Model::Preferences(file).set(entry, content);
+    Model::Preferences(*Platform::openUserRecord("preferences")).set(entry, content);
 }
 
 Model::MidiConfig configOf(PluginHost& host) {
@@ -173,8 +170,9 @@ TEST(StartUp, whatIsDamagedIsLeftOut) {
         EXPECT_THAT(error, testing::StartsWith(row.error)) << row.name;
     }
     settings.clear();
-    std::filesystem::create_directories(settings.preferencesFile().parent_path());
-    std::ofstream(settings.preferencesFile()) << "not { a structure";
+    Platform::openUserRecord("preferences")->update([](const std::string&) {
+        return Platform::SharedRecord::Replacement{"not { a structure"};
+    });
     PluginHost host;
     EXPECT_EQ(nameOf(host, 0), "Default");
     EXPECT_NE(host.text(effGetErrorText, 0, 255), "");

@@ -1,5 +1,8 @@
 #include "CommandRun.h"
 
+#include "state/BankFile.h"
+#include "state/Chunks.h"
+
 namespace fs = std::filesystem;
 
 using BankCommandTest = CommandRun::CommandTest;
@@ -53,6 +56,13 @@ TEST_F(BankCommandTest, theFactoryBankHoldsItsSixteenPrograms) {
     // The headers of an early release: format 1, version 1, ten programs; first chunk format, written by 1.5.
     EXPECT_EQ(bank.substr(8, 20), std::string("FBCh\0\0\0\1BkMm\0\0\0\1\0\0\0\n", 20));
     EXPECT_EQ(bank.substr(160, 16), std::string("\x39\x79\x4D\x71\0\0\0\0mMkB\0\5\1\0", 16));
+    Bnk::BankContent content(Bnk::chunkOfBankFile(bank));
+    EXPECT_EQ(content.nextPatch(), "MurmelonPatch: {\n\tformat: 1\n\tname: \"Default\"\n\tmodified: true\n"
+                                   "\tparameters: {\n\t\tsampleRate: \"22 kHz\"\n\t\tsync: \"Off\"\n"
+                                   "\t\tframeRate: \"59.99999596149694 Hz\"\n\t\tmidi: \"Off\"\n"
+                                   "\t\tpitch: \"0.0000000 sm\"\n\t\ttracking: \"100.0000000 %\"\n"
+                                   "\t\tdetune: \"0.00000000000000 ct\"\n\t\tnoiseAdjust: \"0.0000000 %\"\n"
+                                   "\t\tmix: \"100.0000000 %\"\n\t\tlegacyMode: \"Off\"\n\t}\n}\n");
     run({"bank", MURMELON_FACTORY_BANK, "--export", "."});
     const std::string defaults = "MurmelonPatch: { format: 1, name: \"Default\", modified: true }";
     EXPECT_EQ(run({"patch", "01 Default.kvmp"}).output, run({"patch", "-"}, defaults).output);

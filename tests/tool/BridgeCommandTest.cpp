@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 namespace {
@@ -12,6 +14,12 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::StartsWith;
+
+#if defined(_WIN32)
+constexpr const char* kSystem = "\"windows\"";
+#else
+constexpr const char* kSystem = "\"linux\"";
+#endif
 
 class BridgeCommandTest : public CommandRun::CommandTest {
 protected:
@@ -196,6 +204,27 @@ TEST_F(BridgeCommandTest, StepsThroughTheFilesOfAFolder) {
     });
 }
 
+#if !defined(_WIN32) // where programs know no other folder than the user's own
+TEST_F(BridgeCommandTest, FactoryPatchesAreThereWhenAskedFor) {
+    expectDialogue({
+        {"set instance.menuAnswer \"Go to Factory Patches\"", "ok"},
+        {"do choosePatch", "ok"},
+        {"set instance.menuAnswer \"16 MIDI In\"", "ok"},
+        {"do choosePatch", "host: updateDisplay\nok"},
+        {"get patch.name", "\"MIDI In\""},
+        {"get patch.modified", "\"false\""},
+        {"get params.midi.human", "\"On\""},
+        {"do switchPatch { step: -1 }", "host: updateDisplay\nok"},
+        {"get patch.name", "\"Blown Alias\""},
+    });
+    // What the user has thrown away stays away.
+    const auto factory = folder_ / "Korvanta" / "Murmelon Patches";
+    std::filesystem::remove(factory / "16 MIDI In.kvmp");
+    expectDialogue({{"set instance.menuAnswer \"Go to Factory Patches\"", "ok"}, {"do choosePatch", "ok"}});
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(factory), {}), 15);
+}
+#endif
+
 TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
     expectDialogue({
         {"get midiConfig.assignedCount", "\"0\""},
@@ -240,6 +269,73 @@ TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
     });
 }
 
+TEST_F(BridgeCommandTest, MidiConfigurationShowsInMenus) {
+    expectDialogue({
+        {"checked changeMidiConfig { inputChannel: any }", "true"},
+        {"checked changeMidiConfig { inputChannel: 3 }", "false"},
+        {"do changeMidiConfig { inputChannel: 3, masterTuning: 442 }", "ok"},
+        {"checked changeMidiConfig { inputChannel: 3 }", "true"},
+        {"checked changeMidiConfig { masterTuning: 442.0 }", "true"},
+        {"checked changeMidiConfig { inputChannel: 3, masterTuning: 440 }", "false"},
+        {"checked changeMidiConfig { toggle: programChanges }", "false"},
+        {"do changeMidiConfig { toggle: programChanges }", "ok"},
+        {"checked changeMidiConfig { toggle: programChanges }", "true"},
+        {"get midiConfig.programChanges", "\"true\""},
+        {"get midiConfig.inputChannel", "\"3\""},
+        {"do changeMidiConfig { toggle: pitchBendHeldOnly }", "ok"},
+        {"do changeMidiConfig { toggle: programKeysEnabled }", "ok"},
+        {"do changeMidiConfig { toggle: programChanges }", "ok"},
+        {"get midiConfig.pitchBendHeldOnly", "\"true\""},
+        {"get midiConfig.programKeys.enabled", "\"true\""},
+        {"get midiConfig.programChanges", "\"false\""},
+        {"do changeMidiConfig { toggle: inputChannel }",
+         "error: Invalid action params for changeMidiConfig: { toggle: inputChannel }"},
+        {"do changeMidiConfig { toggle: programChanges, inputChannel: 1 }",
+         "error: Invalid action params for changeMidiConfig: { toggle: programChanges, inputChannel: 1 }"},
+        {"checked changeMidiConfig { inputChannel: 0 }",
+         "error: input midi channel in midi configuration is out of range"},
+
+        {"enabled midiAssign { variable: params.mix, unassign: true }", "false"},
+        {"enabled midiAssign { variable: params.mix, cancel: true }", "false"},
+        {"checked midiAssign { variable: params.mix, learn: true }", "false"},
+        {"do midiAssign { variable: params.mix, learn: true }", "ok"},
+        {"checked midiAssign { variable: params.mix, learn: true }", "true"},
+        {"checked midiAssign { variable: params.pitch, learn: true }", "false"},
+        {"enabled midiAssign { variable: params.mix, cancel: true }", "true"},
+        {"do midiAssign { variable: params.mix, cc: 7 }", "ok"},
+        {"checked midiAssign { variable: params.mix, cc: 7 }", "true"},
+        {"checked midiAssign { variable: params.mix, cc: 8 }", "false"},
+        {"enabled midiAssign { variable: params.mix, unassign: true }", "true"},
+        {"enabled midiAssign { variable: params.mix }",
+         "error: Invalid action params for midiAssign: { variable: params.mix }"},
+    });
+}
+
+TEST_F(BridgeCommandTest, AnswersAsThePageSays) {
+    std::ifstream page(MURMELON_DOCS "/effect.md");
+    std::string fence;
+    std::string asked;
+    std::string said;
+    int examples = 0;
+    for (std::string line; std::getline(page, line);) {
+        if (line == "```" && fence == "```output") {
+            const auto result = run({"bridge"}, asked);
+            EXPECT_EQ(result.output, said) << asked;
+            asked.clear();
+            said.clear();
+            ++examples;
+        }
+        if (line.starts_with("```")) {
+            fence = line;
+        } else if (fence == "```bridge") {
+            asked += line + "\n";
+        } else if (fence == "```output") {
+            said += line + "\n";
+        }
+    }
+    EXPECT_EQ(examples, 3);
+}
+
 TEST_F(BridgeCommandTest, ReadOnlyAndUnknownNames) {
     for (const char* name : {"feedbacks.pitch", "patch.modified", "patch.identity", "undo.description", "isEnabled",
                              "programNumber", "midiConfig.assignedCount", "midiLearnCC", "MODEL.NAME",
@@ -249,7 +345,7 @@ TEST_F(BridgeCommandTest, ReadOnlyAndUnknownNames) {
     expectDialogue({
         {"get MODEL.NAME", "\"Murmelon\""},
         {"get MODEL.VERSION", "\"1.6.2\""},
-        {"get PLATFORM.OS", "\"linux\""},
+        {"get PLATFORM.OS", kSystem},
         {"get isEnabled", "\"true\""},
         {"get modalLayout", "error: Unknown variable: modalLayout"},
         {"get preferences.", "error: Unknown variable: preferences."},

@@ -2,13 +2,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,52 +15,37 @@ struct Result {
     std::string errors;
 };
 
-inline std::string contentsOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+inline constexpr const char* kOutput = ".output";
+
+// An output that takes nothing, and what the system says of it.
+inline constexpr const char* kFull = "/dev/full";
+#if defined(_WIN32)
+inline constexpr const char* kFullError = "Bad file descriptor"; // opened for reading: there is no such device
+#else
+inline constexpr const char* kFullError = "No space left on device";
+#endif
+
+std::string contentsOf(const std::filesystem::path& path);
+
+// In the environment of the commands to come.
+void setVariable(const char* name, const std::filesystem::path& value);
 
 // A folder of the test's own, in which commands run.
 class CommandTest : public testing::Test {
 protected:
-    std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
-                                    ("murmelon-tool-" + std::to_string(getpid()) + "-" +
-                                     testing::UnitTest::GetInstance()->current_test_info()->name());
+    CommandTest();
 
-    // Settings of whoever runs the tests stay out of it.
-    void SetUp() override {
-        std::filesystem::create_directories(folder_);
-        setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void SetUp() override;
+    void TearDown() override;
 
-    void write(const std::string& name, const std::string& contents) const {
-        std::ofstream(folder_ / name, std::ios::binary) << contents;
-    }
-    std::string read(const std::string& name) const { return contentsOf(folder_ / name); }
+    void write(const std::string& name, const std::string& contents) const;
+    std::string read(const std::string& name) const;
 
-    Result run(const std::vector<std::string>& arguments, const std::string& input = {}) const {
-        write(".input", input);
-        std::string command = "cd ";
-        command.append(quoted(folder_.string())).append(" && ").append(quoted(MURMELON_COMMAND));
-        for (const std::string& argument : arguments) {
-            command.append(" ").append(quoted(argument));
-        }
-        const int status = std::system((command + " < .input > .output 2> .errors").c_str());
-        return {WEXITSTATUS(status), read(".output"), read(".errors")};
-    }
+    // Results go to the file `output`.
+    Result run(const std::vector<std::string>& arguments, const std::string& input = {},
+               const std::string& output = kOutput) const;
 
-private:
-    static std::string quoted(const std::string& text) {
-        std::string result = "'";
-        for (const char c : text) {
-            if (c == '\'') {
-                result += "'\\'"; // closes, an escaped quote, opens again
-            }
-            result += c;
-        }
-        return result += "'";
-    }
+    std::filesystem::path folder_;
 };
 
 } // namespace CommandRun

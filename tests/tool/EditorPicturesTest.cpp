@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -50,6 +51,22 @@ TEST_F(EditorPicturesTest, AreWhatTheEditorLooksLike) {
             EXPECT_LT(others, kMostOthers * a.width * a.height) << name;
         }
     }
+}
+
+// The mark of a changed patch stands at the end of the name's field.
+TEST_F(EditorPicturesTest, HaveRoomForTheMarkBehindALongName) {
+    const auto markWith = [this](const std::string& name) {
+        const auto result = run({"quilt", "snapshot", "MURMELON_MAIN", "now.png", "--set", "patch.name=" + name});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        const auto picture = Images::readPng(read("now.png"));
+        std::vector<Drawing::Pixel> mark;
+        for (int y = 6; y < 28; ++y) {
+            const Drawing::Pixel* const row = picture.pixels.view().row(y);
+            mark.insert(mark.end(), row + 353, row + 369);
+        }
+        return mark;
+    };
+    EXPECT_EQ(markWith("A name as long as no field of any editor could hold it"), markWith("Short"));
 }
 
 } // namespace

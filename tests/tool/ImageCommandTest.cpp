@@ -118,6 +118,11 @@ TEST_F(ImageCommandTest, ovsfontConvertsOutlineFonts) {
                            "kern -50 \\$ A\n");
     EXPECT_EQ(run({"ovsfont", "out"}).output,
               "upm=1000 ascent=800 descent=-200 linegap=90 glyphs=3 kerns=1\n");
+    run({"ovsfont", "--convert", "-", "same", "--source", "the tests", "--licence", "None"},
+        TestFont::file());
+    EXPECT_EQ(read("same"), read("out"));
+    EXPECT_EQ(run({"ovsfont", "--convert", "none.ttf", "out"}).errors,
+              "error: Could not read none.ttf: No such file or directory\n");
     const auto failed = run({"ovsfont", "--convert", "no font.ttf", "out"});
     EXPECT_EQ(failed.status, 1);
     EXPECT_EQ(failed.errors, "error: Could not read the font no font.ttf\n");

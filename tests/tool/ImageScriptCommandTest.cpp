@@ -20,7 +20,7 @@ protected:
         png_image image{};
         image.version = PNG_IMAGE_VERSION;
         Picture result;
-        if (png_image_begin_read_from_file(&image, (folder_ / name).c_str())) {
+        if (png_image_begin_read_from_file(&image, (folder_ / name).string().c_str())) {
             image.format = PNG_FORMAT_RGBA;
             result = {image.width, image.height, std::vector<std::uint8_t>(PNG_IMAGE_SIZE(image))};
             png_image_finish_read(&image, nullptr, result.rgba.data(), 0, nullptr);

@@ -77,6 +77,7 @@ TEST_F(LayoutTextCommandTest, tombola) {
         {{"tombola", "main", "--map", "10"}, 0, "main:2:2\n"},
         {{"tombola", "main", "--map", "11"}, 0, "parts/a:1:13\n"},
         {{"tombola", "main", "--map", "12"}, 0, "main:2:5\n"},
+        {{"tombola", "main", "--map", "-1"}, 2, ""},
         {{"tombola", "main", "--map", "13"}, 1, "", "error: Offset 13 is beyond the expansion's 12 bytes\n"},
         {{"tombola", "below", "--include-dir", "parts"}, 0, "included\n1"},
         {{"tombola", "below"},
@@ -94,4 +95,5 @@ TEST_F(LayoutTextCommandTest, tombola) {
         {{"tombola", "none"}, 1, "", "error: Could not read none: No such file or directory\n"},
     });
     check({{{"tombola", "-"}, 0, "a@\n"}, {{"tombola", "-", "--map", "1"}, 0, ":1:2\n"}}, "a@@\n");
+    EXPECT_EQ(run({"tombola", "main", "--map", "-1"}).status, 2);
 }

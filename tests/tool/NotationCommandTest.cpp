@@ -1,6 +1,12 @@
 // The commands that read texts: stackbrace, patch, midiconfig.
 #include "CommandRun.h"
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+
+#include <cstdlib>
+#endif
+
 using NotationCommandTest = CommandRun::CommandTest;
 
 TEST_F(NotationCommandTest, stackbracePrintsWhatTheReaderFinds) {
@@ -81,4 +87,40 @@ TEST_F(NotationCommandTest, midiconfigPrintsTheWritersLayout) {
     EXPECT_EQ(run({"midiconfig", "-"}, defaults.output).output, defaults.output);
     EXPECT_EQ(run({"midiconfig", "-"}, "MurmelonMidiConfig: { }").errors,
               "error: Invalid Stackbrace at line 1 column 1 (offset 0)\n");
+}
+
+#if !defined(_WIN32) // where nobody can hand a folder on as a stream
+TEST_F(NotationCommandTest, aStandardInputThatCannotBeReadIsAFailure) {
+    const std::string command = "cd '" + folder_.string() + "' && '" MURMELON_COMMAND "' stackbrace list - < . 2> .errors";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(read(".errors"), "error: Could not read standard input: Is a directory\n");
+}
+#endif
+
+TEST_F(NotationCommandTest, resultsThatCannotBeWrittenAreAFailure) {
+    const std::string error = "error: Could not write to standard output";
+    const std::string reason = std::string(": ") + CommandRun::kFullError + "\n";
+    const std::pair<std::vector<std::string>, std::string> rows[] = {
+        {{"--version"}, error + "\n"}, // which flushes, and then nobody knows why
+        {{"params"}, error + reason},
+        {{"stackbrace", "quote", "-"}, error + reason},
+    };
+    for (const auto& [command, errors] : rows) {
+        const auto result = run(command, "a", CommandRun::kFull);
+        EXPECT_EQ(result.status, 1) << command.front();
+        EXPECT_EQ(result.errors, errors) << command.front();
+    }
+}
+
+TEST_F(NotationCommandTest, filesMayBeCalledAnything) {
+    const std::string name = "Tr\xC3\xA4ume \xE9\x9F\xB3 '\xF0\x9D\x84\x9E' %TEMP%";
+    write(name, "MurmelonPatch: { format: 1, name: One }");
+    EXPECT_EQ(run({"patch", name}).errors, "");
+    EXPECT_EQ(run({"bank", "--make", name + ".fxb", name}).errors, "");
+    EXPECT_EQ(run({"bank", name + ".fxb", "--export", name + " to"}).errors, "");
+    EXPECT_EQ(run({"patch", name + " to/01 One.kvmp"}).errors, "");
+    EXPECT_EQ(run({"patch", name + "2"}).errors, "error: Could not read " + name + "2: No such file or directory\n");
+    const auto unwritten = run({"bank", "--make", name + "2/b.fxb", name});
+    EXPECT_EQ(unwritten.errors, "error: Could not write " + name + "2/b.fxb: No such file or directory\n");
 }

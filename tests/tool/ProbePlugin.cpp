@@ -17,7 +17,7 @@ constexpr std::size_t kDelay = 100;
 struct Probe {
     AEffect effect{};
     audioMasterCallback host = nullptr;
-    std::FILE* log = std::fopen(std::getenv("PROBE_LOG"), "w");
+    std::FILE* log = std::fopen(std::getenv("PROBE_LOG"), "wb");
     VstInt32 position = 0;
     std::deque<float> delayed[2] = {std::deque<float>(kDelay), std::deque<float>(kDelay)};
 };

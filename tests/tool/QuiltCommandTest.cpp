@@ -144,6 +144,17 @@ TEST_F(QuiltCommand, DrawsTheEditorsOwnDocuments) {
     }
 }
 
+// Who has a switch learn a controller from its menu sees it learn.
+TEST_F(QuiltCommand, ShowsTheControllerOfEachParameter) {
+    const auto result = run({"quilt", "load", "MURMELON_MAIN"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    std::size_t marks = 0;
+    for (std::size_t at = 0; (at = result.output.find("\"midiAssign\"", at)) != std::string::npos; ++at) {
+        ++marks;
+    }
+    EXPECT_EQ(marks, 10U); // as many as parameters
+}
+
 TEST_F(QuiltCommand, PrintsTheReferenceOfViews) {
     EXPECT_TRUE(run({"quilt", "types"}).output == CommandRun::contentsOf(MURMELON_DOCS "/quilt-views.md"))
         << "Made anew by: murmelon quilt types > docs/quilt-views.md";

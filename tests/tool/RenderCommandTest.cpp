@@ -47,6 +47,11 @@ std::string midiFile(const std::string& division, const std::vector<std::string>
     return file;
 }
 
+std::string claimingOneTrack(std::string file) {
+    file[11] = '\1';
+    return file;
+}
+
 // A literal's characters, those of no value included.
 template <std::size_t N>
 std::string bytes(const char (&text)[N]) {
@@ -59,7 +64,7 @@ class RenderCommandTest : public CommandRun::CommandTest {
 protected:
     void SetUp() override {
         CommandTest::SetUp();
-        setenv("PROBE_LOG", (folder_ / "log").c_str(), 1);
+        CommandRun::setVariable("PROBE_LOG", folder_ / "log");
     }
 
     CommandRun::Result probe(std::vector<std::string> options, const std::string& out = "out.wav") {
@@ -194,7 +199,7 @@ TEST_F(RenderCommandTest, readsMidiFilesOfAllKinds) {
         {"behind the end", midiFile(kQuarterOf480, {end + note}), {}},
         {"no end", midiFile(kQuarterOf480, {note}), {"midi 0: 90 3c 64"}},
         {"foreign chunk",
-         midiFile(kQuarterOf480, {}).replace(11, 1, "\1") + chunk("Text", "hello") + chunk("MTrk", note),
+         claimingOneTrack(midiFile(kQuarterOf480, {})) + chunk("Text", "hello") + chunk("MTrk", note),
          {"midi 0: 90 3c 64"}},
         {"no tempo at all",
          midiFile("\0d"s, {bytes("\0\xFF\x51\3\0\0\0") + late + end}),
@@ -202,7 +207,7 @@ TEST_F(RenderCommandTest, readsMidiFilesOfAllKinds) {
         {"empty", "", {}, "it is no standard MIDI file"},
         {"cut in a track", whole.substr(0, whole.size() - 5), {}, cutOff},
         {"cut in a message", midiFile(kQuarterOf480, {bytes("\0\x90\x3C")}), {}, cutOff},
-        {"a track is missing", midiFile(kQuarterOf480, {}).replace(11, 1, "\1"), {}, cutOff},
+        {"a track is missing", claimingOneTrack(midiFile(kQuarterOf480, {})), {}, cutOff},
         {"no status", midiFile(kQuarterOf480, {bytes("\0\x3C\x64")}), {}, damaged},
         {"no status behind a meta event",
          midiFile(kQuarterOf480, {note + bytes("\0\xFF\1\0\0\x3C\0")}),
@@ -278,7 +283,9 @@ TEST_F(RenderCommandTest, failsWithoutLeavingOrHarmingAnything) {
     for (const std::vector<std::string>& wrong : {std::vector<std::string>{"--block", "0"},
                                                   {"--tempo", "0"},
                                                   {"--tempo", "fast"},
+                                                  {"--tempo", "nan"},
                                                   {"--tail", "-1"},
+                                                  {"--tail", "nan"},
                                                   {"--program", "0"},
                                                   {"--param"},
                                                   {"--loud"}}) {

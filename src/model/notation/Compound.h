@@ -46,7 +46,8 @@ public:
     // nullptr when there is no such key.
     const Element* find(std::string_view key) const;
 
-    // An empty element when there is no such key.
+    // An empty element of the document when there is no such key: what it should have been and is not, the
+    // document's name is told with.
     Element operator[](std::string_view key) const;
 
     // Throws UndefinedElementError when there is no such key.
@@ -69,6 +70,7 @@ private:
 
     std::vector<Entry> entries_;
     std::forward_list<std::string> ownKeys_; // of keys that do not stand in the source as they read
+    Element missing_;
     std::size_t endOffset_ = 0;
     bool complete_ = false;
 };

@@ -63,6 +63,7 @@ public:
         }
         order(result.entries_);
         result.complete_ = complete();
+        result.missing_ = Element(document_, 0, 0);
         result.endOffset_ = endOffset();
         return result;
     }
@@ -239,7 +240,7 @@ const Element* Structure::find(std::string_view key) const {
 
 Element Structure::operator[](std::string_view key) const {
     const Element* element = find(key);
-    return element ? *element : Element();
+    return element ? *element : missing_;
 }
 
 const Element& Structure::at(std::string_view key) const {

@@ -7,10 +7,8 @@
 
 #include <curl/curl.h>
 
-#include <array>
 #include <atomic>
 #include <mutex>
-#include <string_view>
 #include <thread>
 
 namespace Platform {
@@ -65,19 +63,6 @@ const Curl* Curl::get() {
     static Curl functions{};
     static const bool loaded = load(functions);
     return loaded ? &functions : nullptr;
-}
-
-// Anything that leaves this machine is to be encrypted.
-bool mayBeAsked(std::string_view address) {
-    constexpr std::array<std::string_view, 3> kThisMachine{"http://127.0.0.1", "http://localhost",
-                                                           "http://[::1]"};
-    for (const std::string_view start : kThisMachine) {
-        if (address.starts_with(start)) {
-            const std::string_view rest = address.substr(start.size());
-            return rest.empty() || rest.front() == ':' || rest.front() == '/';
-        }
-    }
-    return address.starts_with("https://");
 }
 
 class CurlHttpGet final : public HttpGet {

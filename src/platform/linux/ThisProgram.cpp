@@ -1,5 +1,6 @@
 #include "platform/ThisProgram.h"
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,5 +20,12 @@ std::vector<std::string> argumentsOfThisProgram(int argc, char** argv) {
 }
 
 void keepStandardStreamsUnchanged() {} // they are so
+
+void keepThisLibrary() noexcept {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void*>(&keepThisLibrary), &info) != 0) {
+        dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+    }
+}
 
 } // namespace Platform

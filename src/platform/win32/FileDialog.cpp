@@ -1,6 +1,7 @@
 // The system's own dialogs. They are modal: poll() shows one and comes back with the answer.
 #include "platform/FileDialog.h"
 
+#include "platform/win32/ModalCall.h"
 #include "platform/win32/SystemText.h"
 
 #include <windows.h>
@@ -79,16 +80,36 @@ public:
     SystemFileDialog(FileDialogRequest request, Answered answered)
         : request_(std::move(request)), answered_(std::move(answered)) {}
 
-    bool poll() override {
-        if (const Answered answered = std::exchange(answered_, nullptr)) {
-            answered(ask(request_)); // may destroy this dialog
+    ~SystemFileDialog() override {
+        if (call_) {
+            call_->cancel();
         }
+    }
+    SystemFileDialog(const SystemFileDialog&) = delete;
+    SystemFileDialog& operator=(const SystemFileDialog&) = delete;
+
+    bool poll() override {
+        const Answered answered = std::exchange(answered_, nullptr);
+        if (!answered) {
+            return call_ != nullptr; // from within the call below
+        }
+        const FileDialogRequest request = std::move(request_);
+        FileDialogAnswer answer;
+        {
+            const ModalCall call(call_, ModalCall::Way::cancelCommand);
+            answer = ask(request);
+            if (call.cancelled()) {
+                return false; // this dialog is no more
+            }
+        }
+        answered(answer); // may destroy this dialog
         return false;
     }
 
 private:
     FileDialogRequest request_;
     Answered answered_;
+    ModalCall* call_ = nullptr; // while the dialog is on the screen
 };
 
 } // namespace

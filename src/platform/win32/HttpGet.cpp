@@ -10,7 +10,7 @@
 #include <array>
 #include <condition_variable>
 #include <mutex>
-#include <string_view>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -18,21 +18,32 @@ namespace Platform {
 
 namespace {
 
-// Anything that leaves this machine is to be encrypted.
-bool mayBeAsked(std::string_view address) {
-    constexpr std::array<std::string_view, 3> kThisMachine{"http://127.0.0.1", "http://localhost",
-                                                           "http://[::1]"};
-    for (const std::string_view start : kThisMachine) {
-        if (address.starts_with(start)) {
-            const std::string_view rest = address.substr(start.size());
-            return rest.empty() || rest.front() == ':' || rest.front() == '/';
-        }
+// The system has no words for these; they are those that curl has elsewhere.
+std::string internetWords(DWORD error) {
+    switch (error) {
+    case ERROR_INTERNET_TIMEOUT:
+        return "Timeout was reached";
+    case ERROR_INTERNET_NAME_NOT_RESOLVED:
+        return "Couldn't resolve host name";
+    case ERROR_INTERNET_CANNOT_CONNECT:
+        return "Couldn't connect to server";
+    case ERROR_INTERNET_CONNECTION_ABORTED:
+    case ERROR_INTERNET_CONNECTION_RESET:
+        return "Transferred a partial file";
+    case ERROR_INTERNET_SECURITY_CHANNEL_ERROR:
+        return "SSL connect error";
+    default:
+        return systemWords(error);
     }
-    return address.starts_with("https://");
 }
 
-std::string internetWords(DWORD error) {
-    return error == ERROR_INTERNET_TIMEOUT ? std::string("Timeout was reached") : systemWords(error);
+// What the server says of the answer's length; nullopt when it does not.
+std::optional<DWORD> announcedLength(HINTERNET document) {
+    DWORD length = 0;
+    DWORD size = sizeof length;
+    const bool known = HttpQueryInfoW(document, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &length, &size,
+                                      nullptr) != 0;
+    return known ? std::optional(length) : std::nullopt;
 }
 
 // What the thread works on. It outlives the object when the system does not let go of a call.
@@ -122,6 +133,11 @@ private:
                 return;
             }
             answer.body.append(block.data(), count);
+        }
+        // The end of a connection looks like the end of the answer.
+        if (const auto announced = announcedLength(document); announced && answer.body.size() < *announced) {
+            failed(ERROR_INTERNET_CONNECTION_ABORTED);
+            return;
         }
         finish(std::move(answer));
     }

@@ -1,5 +1,6 @@
 #include "platform/MessageDialog.h"
 
+#include "platform/win32/ModalCall.h"
 #include "platform/win32/SystemText.h"
 
 #include <windows.h>
@@ -55,14 +56,31 @@ public:
         : owner_(reinterpret_cast<HWND>(owner)), title_(toWide(title)), text_(toWide(text)), style_(style),
           answered_(std::move(answered)) {}
 
+    ~MessageBoxDialog() override {
+        if (call_) {
+            call_->cancel();
+        }
+    }
+    MessageBoxDialog(const MessageBoxDialog&) = delete;
+    MessageBoxDialog& operator=(const MessageBoxDialog&) = delete;
+
     bool poll() override {
         const Answered answered = std::exchange(answered_, nullptr);
         if (!answered) {
-            return false;
+            return call_ != nullptr; // from within the call below
         }
-        const int pressed = MessageBoxW(owner_, text_.c_str(), title_.c_str(), style_);
-        if (pressed == 0) {
-            throw std::runtime_error("Could not show a message: " + systemWords(GetLastError()));
+        const std::wstring title = std::move(title_);
+        const std::wstring text = std::move(text_);
+        int pressed = 0;
+        {
+            const ModalCall call(call_, ModalCall::Way::endDialog);
+            pressed = MessageBoxW(owner_, text.c_str(), title.c_str(), style_);
+            if (call.cancelled()) {
+                return false; // this dialog is no more
+            }
+            if (pressed == 0) {
+                throw std::runtime_error("Could not show a message: " + systemWords(GetLastError()));
+            }
         }
         answered(answerOf(pressed)); // may destroy this dialog
         return false;
@@ -74,6 +92,7 @@ private:
     std::wstring text_;
     UINT style_;
     Answered answered_;
+    ModalCall* call_ = nullptr; // while the box is on the screen
 };
 
 } // namespace

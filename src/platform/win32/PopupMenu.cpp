@@ -53,36 +53,51 @@ public:
     SystemMenu(HWND owner, Rect anchor, std::vector<MenuEntry> entries, Chosen chosen)
         : owner_(owner), anchor_(anchor), entries_(std::move(entries)), chosen_(std::move(chosen)) {}
 
+    ~SystemMenu() override {
+        if (gone_) {
+            *gone_ = true;
+            EndMenu();
+        }
+    }
+    SystemMenu(const SystemMenu&) = delete;
+    SystemMenu& operator=(const SystemMenu&) = delete;
+
     bool poll() override {
         const Chosen chosen = std::exchange(chosen_, nullptr);
         if (!chosen) {
+            return gone_ != nullptr; // from within the call below
+        }
+        std::vector<int> commands;
+        const Menu menu = makeMenu(entries_, commands);
+        bool gone = false;
+        gone_ = &gone;
+        const std::size_t item = track(menu.get());
+        if (gone) {
             return false;
         }
-        const std::optional<int> command = track();
-        chosen(command); // may destroy this menu
+        gone_ = nullptr;
+        const bool answered = item >= 1 && item <= commands.size();
+        chosen(answered ? std::optional(commands[item - 1]) : std::nullopt); // may destroy this menu
         return false;
     }
 
 private:
-    std::optional<int> track() const {
+    std::size_t track(HMENU menu) const {
         POINT corners[2] = {{anchor_.x, anchor_.y}, {anchor_.x + anchor_.width, anchor_.y + anchor_.height}};
         MapWindowPoints(owner_, nullptr, corners, 2);
         TPMPARAMS place{};
         place.cbSize = sizeof place;
         place.rcExclude = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
-        std::vector<int> commands;
-        const Menu menu = makeMenu(entries_, commands);
         constexpr UINT kStyle = TPM_RETURNCMD | TPM_NONOTIFY | TPM_LEFTALIGN | TPM_TOPALIGN | TPM_VERTICAL;
-        const auto item = static_cast<std::size_t>(
-            TrackPopupMenuEx(menu.get(), kStyle, corners[0].x, corners[1].y, owner_, &place));
-        const bool answered = item >= 1 && item <= commands.size();
-        return answered ? std::optional(commands[item - 1]) : std::nullopt;
+        return static_cast<std::size_t>(
+            TrackPopupMenuEx(menu, kStyle, corners[0].x, corners[1].y, owner_, &place));
     }
 
     HWND owner_;
     Rect anchor_;
     std::vector<MenuEntry> entries_;
     Chosen chosen_;
+    bool* gone_ = nullptr; // while the menu is on the screen: where to leave word that this object is no more
 };
 
 } // namespace

@@ -43,4 +43,10 @@ void keepStandardStreamsUnchanged() {
     }
 }
 
+void keepThisLibrary() noexcept {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<LPCWSTR>(&keepThisLibrary), &module);
+}
+
 } // namespace Platform

@@ -4,6 +4,7 @@
 #include "notation/Document.h"
 #include "quilt/Document.h"
 #include "quilt/Editor.h"
+#include "zekt/Errors.h"
 
 #include <exception>
 
@@ -17,11 +18,23 @@ void attempt(Document& document, const char* title, const std::string& source, c
     try {
         load();
     } catch (const std::exception& error) {
-        document.reportError(title, error.what(), source);
+        reportAssetError(document, title, error, source);
     }
 }
 
 } // namespace
+
+void reportAssetError(Document& document, const char* title, const std::exception& error,
+                      const std::string& source) {
+    const auto* const script = dynamic_cast<const ZEKT::Exception*>(&error);
+    if (script == nullptr || script->statement().empty()) {
+        document.reportError(title, error.what(), source);
+        return;
+    }
+    const std::string place = "in: " + script->statement();
+    document.editor().services().host.log(std::string(title) + ": " + error.what() + ", " + place);
+    document.reportError(title, error.what(), place + "\n\n" + source);
+}
 
 void ColourAsset::load(Document& document) {
     if (given() && !colour_) {

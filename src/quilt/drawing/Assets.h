@@ -9,6 +9,7 @@
 #include "images/TextFont.h"
 #include "quilt/Properties.h"
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,11 @@ namespace Quilt {
 class Document;
 
 using Drawing::Colour;
+
+// `source` is the specification as the layout has it. The statement at which a script failed goes to the log,
+// and is shown to those who asked for verbose errors: in a long script the message alone helps nobody.
+void reportAssetError(Document& document, const char* title, const std::exception& error,
+                      const std::string& source);
 
 class ColourAsset {
 public:

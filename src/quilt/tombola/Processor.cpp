@@ -3,6 +3,7 @@
 #include "tombola/Expansion.h"
 
 #include "platform/FileRead.h"
+#include "platform/PathText.h"
 #include "platform/LargePages.h"
 
 #include <stdexcept>
@@ -12,7 +13,7 @@ namespace Tombola {
 
 std::optional<std::string> loadFile(const std::string& name) {
     try {
-        return Platform::readFile(name);
+        return Platform::readFile(Platform::pathFromUtf8(name));
     } catch (const std::runtime_error&) {
         return std::nullopt;
     }

@@ -92,7 +92,7 @@ public:
             script_.emplace(library().vectorImage(specification));
             defines_ = specification.defines;
         } catch (const std::exception& error) {
-            document().reportError("Error loading image", error.what(), raw_);
+            reportAssetError(document(), "Error loading image", error, raw_);
             return;
         }
         run();
@@ -150,7 +150,7 @@ private:
             failed_ = false;
         } catch (const std::exception& error) {
             if (!std::exchange(failed_, true)) {
-                document().reportError("Error drawing image", error.what(), raw_);
+                reportAssetError(document(), "Error drawing image", error, raw_);
             }
         }
     }

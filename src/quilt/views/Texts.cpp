@@ -85,7 +85,7 @@ public:
     void tick(std::chrono::milliseconds now) override {
         const Interaction& interaction = document().editor().interaction();
         const View* const about = interaction.hinted();
-        const bool due = about != nullptr && label_.font() != nullptr && (own_ || !about->hint().empty()) &&
+        const bool due = about != nullptr && !interaction.hintMuted() && label_.font() != nullptr && (own_ || !about->hint().empty()) &&
                          (interaction.pressed() == about || now - interaction.restingSince() >= delay_ ||
                           (!shown_.empty() && about == about_));
         if (!due) {
@@ -233,7 +233,7 @@ ViewType captionType() {
 ViewType bubbleType() {
     return {
         "bubble",
-        "A note beside the mouse while it rests over a view with a hint. Without a text it shows the hint.",
+        "A note beside the mouse while it rests over a view with a hint, until a click. Without a text it shows the hint.",
         {kText, kBubble, kBox},
         make<Bubble>};
 }

@@ -8,6 +8,7 @@
 #include <array>
 #include <exception>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace Shell {
@@ -81,7 +82,9 @@ Platform::FileDialogRequest requestOf(const Bridge::FileQuestion& question, Plat
     const bool saving = question.kind == Bridge::FileQuestion::Kind::save;
     request.kind = saving ? Platform::FileDialogRequest::Kind::save : Platform::FileDialogRequest::Kind::open;
     request.title = question.title;
-    request.folder = saving ? question.proposed.parent_path() : question.proposed;
+    std::error_code unknown;
+    const bool startsInFolder = !saving && std::filesystem::is_directory(question.proposed, unknown);
+    request.folder = startsInFolder ? question.proposed : question.proposed.parent_path();
     if (saving) {
         request.fileName = Model::toUtf8(question.proposed.filename());
     }
@@ -92,19 +95,44 @@ Platform::FileDialogRequest requestOf(const Bridge::FileQuestion& question, Plat
     return request;
 }
 
-// People type names and expect the kind of file they have asked for.
+// ".txt", but not what follows a dot in "Take 1.5" or "Mr. Smith".
+bool isExtension(const std::string& text) {
+    constexpr std::size_t kLongest = 5;
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto isPart = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
+    return text.size() >= 2 && text.size() <= 1 + kLongest && std::all_of(text.begin() + 1, text.end(), isPart) &&
+           std::any_of(text.begin(), text.end(), isLetter);
+}
+
+// People type names and expect the kind of file they have asked for. What is there by the very name that was
+// given is what they have chosen.
 std::filesystem::path withExtension(std::filesystem::path file, const Bridge::FileQuestion& question) {
-    if (question.kind == Bridge::FileQuestion::Kind::save && !file.has_extension() &&
-        !question.types.empty()) {
+    std::error_code unknown;
+    if (question.kind == Bridge::FileQuestion::Kind::save && !question.types.empty() &&
+        !isExtension(Model::toUtf8(file.extension())) && !std::filesystem::exists(file, unknown)) {
         file += question.types.front().extension;
     }
     return file;
 }
 
-// Polls what `open` holds. The answer may open another in its place.
-template <typename Dialog> void pollOne(std::unique_ptr<Dialog>& open) {
-    if (std::unique_ptr<Dialog> current = std::move(open); current && current->poll()) {
-        open = std::move(current);
+// Polls what `open` holds. Meanwhile its answer may open another in its place, and setWindow may take it away.
+template <typename Dialog> void pollOne(std::shared_ptr<Dialog>& open) {
+    if (!open) {
+        return;
+    }
+    const std::weak_ptr<Dialog> current = open;
+    const auto closeIfThere = [&] {
+        if (!current.expired()) {
+            open.reset();
+        }
+    };
+    try {
+        if (!open->poll()) {
+            closeIfThere();
+        }
+    } catch (...) {
+        closeIfThere();
+        throw;
     }
 }
 
@@ -178,19 +206,51 @@ void EditorDesktop::chooseFile(const Bridge::FileQuestion& question, Bridge::Env
     files_ = Platform::FileDialog::open(
         requestOf(question, nativeWindow()),
         [this, question, chosen = std::move(chosen)](const Platform::FileDialogAnswer& answer) {
+            const auto answered = std::move(files_); // what follows may want another
             if (!answer.error.empty()) {
                 failed_(answer.error);
             } else if (!answer.file.empty()) {
-                try {
-                    chosen(withExtension(answer.file, question));
-                } catch (const std::exception& error) {
-                    failed_(error.what());
-                }
+                take(answer.file, question, chosen);
             }
         });
 }
 
+void EditorDesktop::take(const std::filesystem::path& answer, const Bridge::FileQuestion& question,
+                         const Bridge::Environment::Chosen& chosen) {
+    const std::filesystem::path file = withExtension(answer, question);
+    const auto finish = [this, file, chosen] {
+        try {
+            chosen(file);
+        } catch (const std::exception& error) {
+            failed_(error.what());
+        }
+    };
+    std::error_code unknown;
+    if (file == answer || !std::filesystem::exists(file, unknown)) {
+        finish();
+        return;
+    }
+    // The dialog has not known that this file was meant.
+    std::string text;
+    text.append("\"").append(Model::toUtf8(file.filename())).append("\" exists already. Replace it?");
+    showMessage({.kind = Quilt::MessageKind::question,
+                 .text = std::move(text),
+                 .buttons = {MessageButton::yes, MessageButton::no},
+                 .defaultButton = 1},
+                [finish](MessageButton button) {
+                    if (button == MessageButton::yes) {
+                        finish();
+                    }
+                });
+}
+
 void EditorDesktop::poll() {
+    struct Polling {
+        explicit Polling(bool& flag) : flag_(flag) { flag_ = true; }
+        ~Polling() { flag_ = false; }
+        bool& flag_;
+    };
+    const Polling polling(polling_);
     pollOne(menu_);
     pollOne(files_);
     pollOne(dialog_);

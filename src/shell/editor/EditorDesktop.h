@@ -1,5 +1,6 @@
 // The desktop as the editor's layouts and its bridge to the effect see it: menus, message boxes, file dialogs,
-// the clipboard, the browser. Everything that is open is polled from the host's idle; nothing here waits.
+// the clipboard, the browser. Everything that is open is polled from the host's idle. Nothing here waits, but on
+// Windows for what the system shows, which lets the host call whatever it likes meanwhile.
 #pragma once
 
 #include "bridge/Environment.h"
@@ -35,8 +36,9 @@ public:
 
     void chooseFile(const Bridge::FileQuestion& question, Bridge::Environment::Chosen chosen);
 
-    // Answers what has been answered on the screen.
+    // Answers what has been answered on the screen. The desktop must outlive the call.
     void poll();
+    bool polling() const { return polling_; }
 
     // The mouse is where menus without an anchor belong.
     void setMouse(Platform::Point at) { mouse_ = at; }
@@ -49,16 +51,19 @@ private:
 
     Platform::NativeWindow nativeWindow() const { return window_ != nullptr ? window_->nativeId() : 0; }
     void showNextMessage();
+    void take(const std::filesystem::path& answer, const Bridge::FileQuestion& question,
+              const Bridge::Environment::Chosen& chosen);
 
     Platform::TextPainter& painter_;
     std::function<void(const std::string&)> failed_;
     Platform::Window* window_ = nullptr;
     Platform::Point mouse_;
     std::unique_ptr<Platform::Clipboard> clipboard_; // opened when first asked for
-    std::unique_ptr<Platform::PopupMenu> menu_;
-    std::unique_ptr<Platform::MessageDialog> dialog_;
-    std::unique_ptr<Platform::FileDialog> files_;
+    std::shared_ptr<Platform::PopupMenu> menu_;
+    std::shared_ptr<Platform::MessageDialog> dialog_;
+    std::shared_ptr<Platform::FileDialog> files_;
     std::deque<WaitingMessage> waiting_; // one box at a time
+    bool polling_ = false;
 };
 
 } // namespace Shell

@@ -124,7 +124,29 @@ EditorSession::EditorSession(EffectInstance& effect, const std::string& title) :
 }
 
 EditorSession::~EditorSession() {
-    editor_.reset(); // its last actions may still want the desktop
+    close();
+}
+
+EditorSession::Stay::Stay(EditorSession& session)
+    : count_(session.stays_), effect_(session.effect_.host().hold()), session_(session.weak_from_this().lock()) {
+    ++count_;
+}
+
+EditorSession::Stay::~Stay() {
+    --count_;
+}
+
+void EditorSession::close() noexcept {
+    finished_ = true;
+    if (stays_ == 0) {
+        editor_.reset(); // its last actions may still want the desktop
+    }
+    desktop_.setWindow(nullptr);
+    window_.reset();
+}
+
+void EditorSession::windowLost() {
+    finished_ = true;
     desktop_.setWindow(nullptr);
 }
 
@@ -159,7 +181,14 @@ void EditorSession::checkForUpdates() {
 }
 
 void EditorSession::idle() {
-    if (std::exchange(idling_, true)) { // a system's modal dialog has let the host through
+    const Stay stay(*this);
+    if (finished_) {
+        return;
+    }
+    if (std::exchange(idling_, true)) {
+        if (desktop_.polling()) { // something modal has let the host through: the editor lives on behind it
+            live();
+        }
         return;
     }
     try {
@@ -174,11 +203,18 @@ void EditorSession::idle() {
 void EditorSession::idleOnce() {
     effect_.idle();
     bridge_.idle();
-    window_->poll();
-    if (finished_) {
-        return;
+    if (!finished_) {
+        window_->poll();
     }
-    desktop_.poll();
+    if (!finished_) {
+        desktop_.poll();
+    }
+    if (!finished_) {
+        live();
+    }
+}
+
+void EditorSession::live() {
     while (auto report = effect_.takeReport()) {
         fail(*report);
     }
@@ -190,7 +226,7 @@ void EditorSession::idleOnce() {
 }
 
 void EditorSession::paint() {
-    if (!surface_ || dirty_.empty()) {
+    if (!window_ || !surface_ || dirty_.empty()) {
         return;
     }
     const std::vector<Platform::Rect> parts = std::exchange(dirty_, {});
@@ -202,11 +238,13 @@ void EditorSession::paint() {
 }
 
 bool EditorSession::keyDown(const Platform::KeyEvent& key) {
+    const Stay stay(*this);
     const auto event = eventOf(key);
     return event && editor_ && editor_->key(*event);
 }
 
 void EditorSession::mouseDown(const Platform::MouseEvent& event) {
+    const Stay stay(*this);
     desktop_.setMouse(event.at);
     if (event.button == Platform::MouseButton::left) {
         window_->takeKeyboardFocus();
@@ -215,22 +253,27 @@ void EditorSession::mouseDown(const Platform::MouseEvent& event) {
 }
 
 void EditorSession::mouseUp(const Platform::MouseEvent& event) {
+    const Stay stay(*this);
     editor_->mouseReleased(eventOf(event));
 }
 
 void EditorSession::mouseMoved(const Platform::MouseEvent& event) {
+    const Stay stay(*this);
     editor_->mouseMoved(eventOf(event));
 }
 
 void EditorSession::mouseLeft() {
+    const Stay stay(*this);
     editor_->mouseLeft();
 }
 
 void EditorSession::mouseWheel(const Platform::WheelEvent& event) {
+    const Stay stay(*this);
     editor_->wheel({{event.at.x, event.at.y}, event.up, modifiersOf(event.modifiers)});
 }
 
 void EditorSession::mouseCaptureLost() {
+    const Stay stay(*this);
     editor_->captureLost();
 }
 
@@ -245,7 +288,7 @@ void EditorSession::log(const std::string& line) {
 // The layouts have been loaded at some scale; the window follows.
 void EditorSession::resized(std::int32_t width, std::int32_t height) {
     painter_.setScale(bridge_.scale().factor());
-    if (window_->size() != Platform::Size{width, height}) {
+    if (window_ && window_->size() != Platform::Size{width, height}) {
         window_->resize({width, height});
     }
     surface_.emplace(width, height);
@@ -272,7 +315,9 @@ void EditorSession::invalidate(const Quilt::Rectangle& part) {
 }
 
 void EditorSession::setCursor(Quilt::Cursor cursor) {
-    window_->setCursor(cursorOf(cursor));
+    if (window_) {
+        window_->setCursor(cursorOf(cursor));
+    }
 }
 
 void EditorSession::chooseFile(const Bridge::FileQuestion& question, Chosen chosen) {

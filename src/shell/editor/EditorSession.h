@@ -1,4 +1,6 @@
-// An editor while it is open: window, surface, layouts, bridge, and what goes on between them.
+// An editor while it is open: window, surface, layouts, bridge, and what goes on between them. The host may close it
+// from within any call that it gets, and from within any message that the system lets through while something
+// modal is on the screen: the window goes at once, the rest when the calls into the session are back.
 #pragma once
 
 #include "editor/EditorDesktop.h"
@@ -26,11 +28,12 @@ namespace Shell {
 
 class EffectInstance;
 
-class EditorSession final : private Platform::WindowListener,
+class EditorSession final : public std::enable_shared_from_this<EditorSession>,
+                            private Platform::WindowListener,
                             private Quilt::EditorHost,
                             private Bridge::Environment {
 public:
-    // In a host's window, or in one of its own. Throw what says why there can be none.
+    // In a host's window, or in one of its own. Throw what says why there can be none. To be made shared.
     EditorSession(EffectInstance& effect, Platform::NativeWindow parent);
     EditorSession(EffectInstance& effect, const std::string& title);
     ~EditorSession() override;
@@ -42,15 +45,31 @@ public:
 
     EditorSize size() const;
     void idle();
+    void close() noexcept;
     bool finished() const { return finished_; } // the window is gone, or the user wants it closed
     bool keyDown(const Platform::KeyEvent& key) override;
 
 private:
+    // While one lives, so do the session and the effect.
+    class Stay {
+    public:
+        explicit Stay(EditorSession& session);
+        ~Stay();
+        Stay(const Stay&) = delete;
+        Stay& operator=(const Stay&) = delete;
+
+    private:
+        int& count_;
+        std::shared_ptr<void> effect_;
+        std::shared_ptr<EditorSession> session_; // goes first
+    };
+
     explicit EditorSession(EffectInstance& effect);
 
     void begin(std::unique_ptr<Platform::Window> window);
     Platform::Size wantedSize() const;
     void idleOnce();
+    void live();
     void paint();
     void checkForUpdates();
     void fail(const std::string& message);
@@ -65,7 +84,7 @@ private:
     void resized(Platform::Size size) override;
     void hostIsSilent() override { idle(); }
     void closeRequested() override { finished_ = true; }
-    void windowLost() override { finished_ = true; }
+    void windowLost() override;
 
     // Quilt::EditorHost
     void log(const std::string& line) override;
@@ -95,6 +114,7 @@ private:
     std::vector<Platform::Rect> dirty_;
     std::optional<Quilt::Editor> editor_;
     std::optional<Platform::UpdateCheck> updates_;
+    int stays_ = 0;
     bool idling_ = false;
     bool finished_ = false;
 };

@@ -5,6 +5,8 @@
 
 #include "model/Product.h"
 
+#include <utility>
+
 namespace Shell {
 
 PluginEditor::PluginEditor(EffectInstance& effect) : effect_(effect) {}
@@ -20,23 +22,25 @@ EditorSize PluginEditor::size() {
 
 void PluginEditor::open(void* parent) {
     close();
-    session_ = std::make_unique<EditorSession>(effect_, reinterpret_cast<Platform::NativeWindow>(parent));
+    session_ = std::make_shared<EditorSession>(effect_, reinterpret_cast<Platform::NativeWindow>(parent));
 }
 
 void PluginEditor::openTopLevel() {
     close();
-    session_ = std::make_unique<EditorSession>(effect_, std::string(Model::kProductName));
+    session_ = std::make_shared<EditorSession>(effect_, std::string(Model::kProductName));
 }
 
 void PluginEditor::close() noexcept {
-    session_.reset();
+    if (const auto session = std::move(session_)) {
+        session->close();
+    }
 }
 
 void PluginEditor::idle() {
-    if (session_) {
-        session_->idle();
-        if (session_->finished()) {
-            session_.reset();
+    if (const auto session = session_) {
+        session->idle();
+        if (session->finished() && session == session_) {
+            close();
         }
     }
 }

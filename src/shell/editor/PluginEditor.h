@@ -29,7 +29,7 @@ public:
 
 private:
     EffectInstance& effect_;
-    std::unique_ptr<EditorSession> session_; // from opening to closing
+    std::shared_ptr<EditorSession> session_; // from opening to closing
 };
 
 // For the plug-in.

@@ -64,7 +64,7 @@ void AudioPath::inject(Model::MidiMessage message) noexcept {
 }
 
 void AudioPath::process(const AudioBuffers& buffers, const HostTransport& host) noexcept {
-    if (!gate_.tryEnter()) {
+    if (buffers.inChannels == 0 || !gate_.tryEnter()) {
         silence(buffers);
         return;
     }
@@ -144,45 +144,24 @@ void AudioPath::apply(const Model::MidiRoute& route) noexcept {
     }
 }
 
+// The engine glides and ramps across what it is given at once, so that is all there is until `end`.
 void AudioPath::runTo(const AudioBuffers& buffers, int& position, int end) noexcept {
-    const bool direct = buffers.inChannels == 2 && buffers.outChannels == 2 && !buffers.adding;
-    while (position < end) {
-        const int count = direct ? end - position : std::min(end - position, kScratch);
-        runPiece(buffers, position, count);
-        position += count;
+    if (position == end) {
+        return;
     }
-}
-
-void AudioPath::runPiece(const AudioBuffers& buffers, int position, int count) noexcept {
     Engine::Block block = blockAt(position);
     std::size_t due = 0;
-    for (; due < engineEventCount_ && engineEvents_[due].sampleOffset < position + count; ++due) {
+    for (; due < engineEventCount_ && engineEvents_[due].sampleOffset < end; ++due) {
         engineEvents_[due].sampleOffset -= position;
     }
     block.midiEvents = {engineEvents_.data(), due};
+    block.monoOutput = buffers.outChannels == 1;
+    block.adding = buffers.adding;
+    const float* const in[] = {buffers.in[0] + position, buffers.in[buffers.inChannels - 1] + position};
+    float* const out[] = {buffers.out[0] + position, buffers.out[buffers.outChannels - 1] + position};
+    engine_.process(in, out, end - position, block);
+    position = end;
 
-    const int lastIn = buffers.inChannels - 1;
-    const float* const in[] = {buffers.in[0] + position, buffers.in[lastIn] + position};
-    if (buffers.outChannels == 2 && !buffers.adding) {
-        float* const out[] = {buffers.out[0] + position, buffers.out[1] + position};
-        engine_.process(in, out, count, block);
-    } else {
-        float* const left = scratch_[0].data();
-        float* const right = scratch_[1].data();
-        float* const out[] = {left, right};
-        engine_.process(in, out, count, block);
-        if (buffers.outChannels == 1) {
-            for (int i = 0; i < count; ++i) {
-                left[i] = (left[i] + right[i]) / 2;
-            }
-        }
-        for (int channel = 0; channel < buffers.outChannels; ++channel) {
-            float* const target = buffers.out[channel] + position;
-            for (int i = 0; i < count; ++i) {
-                target[i] = out[channel][i] + (buffers.adding ? target[i] : 0.0f);
-            }
-        }
-    }
     std::copy(engineEvents_.begin() + static_cast<std::ptrdiff_t>(due),
               engineEvents_.begin() + static_cast<std::ptrdiff_t>(engineEventCount_), engineEvents_.begin());
     engineEventCount_ -= due;

@@ -17,7 +17,8 @@
 
 namespace Shell {
 
-// A host's buffers for a block. One channel or two on either side; outputs may be inputs.
+// A host's buffers for a block. One channel or two on either side; outputs may be inputs. Without an input
+// channel the outputs are silent.
 struct AudioBuffers {
     const float* const* in = nullptr;
     int inChannels = 2;
@@ -73,7 +74,6 @@ public:
 
 private:
     static constexpr std::size_t kMostEvents = 2 * MidiQueue::kCapacity;
-    static constexpr int kScratch = 1024; // samples at a time when the engine cannot write to the outputs
 
     void forget() noexcept;
     bool takeEvents() noexcept; // true: some were lost on the way
@@ -81,7 +81,6 @@ private:
     void learn(Model::MidiMessage message) noexcept;
     void apply(const Model::MidiRoute& route) noexcept;
     void runTo(const AudioBuffers& buffers, int& position, int end) noexcept;
-    void runPiece(const AudioBuffers& buffers, int position, int count) noexcept;
     Engine::Block blockAt(int position) const noexcept;
     void followTransport(const HostTransport& host) noexcept;
 
@@ -112,7 +111,6 @@ private:
     std::size_t eventCount_ = 0;
     std::array<Engine::MidiEvent, kMostEvents + 1> engineEvents_{}; // routed and not yet played, by time
     std::size_t engineEventCount_ = 0;
-    std::array<std::array<float, kScratch>, 2> scratch_{};
 };
 
 } // namespace Shell

@@ -1,14 +1,21 @@
 #include "instance/EffectInstance.h"
 
+#include "model/PatchText.h"
+#include "model/PathText.h"
 #include "model/Product.h"
+#include "notation/Writer.h"
+#include "platform/AtomicFileWrite.h"
 #include "state/BankFile.h"
 #include "state/Chunks.h"
 #include "state/StartupBank.h"
+
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cmath>
 #include <exception>
 #include <new>
+#include <utility>
 
 namespace Shell {
 
@@ -29,14 +36,15 @@ constexpr double kLongestTailSeconds = 10;        // a frozen frame would sound 
 } // namespace
 
 EffectInstance::EffectInstance(Host& host, const Surroundings& surroundings)
-    : host_(host),
+    : host_(host), surroundings_(surroundings),
       preferences_(surroundings.preferences, [this](const std::string& message) { report(message); }),
       keptVariables_(preferences_, programs_), patches_(programs_, surroundings.files, *this),
       midiConfigs_(mapping_, surroundings.files, preferences_), audio_(programs_, mapping_) {
-    start(surroundings);
+    start();
 }
 
-template <typename Step> void EffectInstance::attempt(Step step) {
+template <typename Step>
+void EffectInstance::attempt(Step step) {
     try {
         step();
     } catch (const std::bad_alloc&) {
@@ -46,10 +54,10 @@ template <typename Step> void EffectInstance::attempt(Step step) {
     }
 }
 
-void EffectInstance::start(const Surroundings& surroundings) {
+void EffectInstance::start() {
     attempt([&] {
         Model::MidiConfig ofFactoryBank;
-        Bnk::readBankChunk(Bnk::chunkOfBankFile(surroundings.factoryBank), programs_, ofFactoryBank);
+        Bnk::readBankChunk(Bnk::chunkOfBankFile(surroundings_.factoryBank), programs_, ofFactoryBank);
     });
     attempt([&] {
         if (const auto entry = preferences_.get(Bnk::kStartupBankEntry)) {
@@ -135,6 +143,23 @@ void EffectInstance::readProgramChunk(std::string_view chunk) {
     replacements_.fetch_add(1, std::memory_order_relaxed);
 }
 
+void EffectInstance::writeFactoryPatches(const std::filesystem::path& folder) const {
+    Model::Programs programs;
+    Model::MidiConfig config;
+    Bnk::readBankChunk(Bnk::chunkOfBankFile(surroundings_.factoryBank), programs, config);
+    Platform::atomicFileWrite(folder, [&](const std::filesystem::path& temporary) {
+        std::filesystem::create_directories(temporary);
+        for (int program = 0; program < Model::Programs::kCount; ++program) {
+            Model::AtomicPatch& patch = programs[program];
+            patch.markSaved();
+            const auto file = Model::pathFromUtf8(
+                fmt::format("{:02} {}{}", program + 1, patch.name(), Model::kPatchExtension));
+            surroundings_.files.write(temporary / file,
+                                      Stackbrace::withFileLineEnds(Model::writePatch(patch)));
+        }
+    });
+}
+
 void EffectInstance::storeStartupBank() {
     const auto lock = lockState();
     preferences_.set(Bnk::kStartupBankEntry, Bnk::writeStartupBank(programs_));
@@ -217,8 +242,17 @@ void EffectInstance::setClipboardText(const std::string& text) {
 }
 
 void EffectInstance::currentPatchReplaced() {
+    const auto lock = lockState();
     replacements_.fetch_add(1, std::memory_order_relaxed);
-    host_.updateDisplay();
+    displayIsOutdated_ = true;
+}
+
+void EffectInstance::unlockState() const noexcept {
+    const bool tell = --stateLocks_ == 0 && std::exchange(displayIsOutdated_, false);
+    stateMutex_.unlock();
+    if (tell) {
+        host_.updateDisplay();
+    }
 }
 
 } // namespace Shell

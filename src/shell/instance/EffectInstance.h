@@ -17,6 +17,7 @@
 #include "model/Preferences.h"
 
 #include <deque>
+#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -80,19 +81,38 @@ public:
     void readBankChunk(std::string_view chunk);
     void readProgramChunk(std::string_view chunk);
 
+    // The programs of the factory bank as patch files, in a folder that does not exist. Throws what writing
+    // throws; there is no folder then.
+    void writeFactoryPatches(const std::filesystem::path& folder) const;
+
     // What new instances start with. Both throw when the preferences cannot be reached.
     void storeStartupBank();
     void forgetStartupBank();
 
+    // Both are changed under lockState() only: they are part of the chunks.
     Model::MidiConfigController& midiConfigs() { return midiConfigs_; }
     const Model::MidiConfigController& midiConfigs() const { return midiConfigs_; }
-    Model::Preferences& preferences() { return preferences_; }
     Model::KeptVariables& keptVariables() { return keptVariables_; }
     const Model::KeptVariables& keptVariables() const { return keptVariables_; }
 
-    [[nodiscard]] std::unique_lock<std::recursive_mutex> lockState() const {
-        return std::unique_lock(stateMutex_);
-    }
+    Model::Preferences& preferences() { return preferences_; }
+
+    // Held for as long as it lives. What the host is to be told of what has been done meanwhile, it is told when
+    // the last one goes: it may wait for a thread of its own then, which waits for the state.
+    class [[nodiscard]] StateLock {
+    public:
+        explicit StateLock(const EffectInstance& effect) : effect_(effect) {
+            effect_.stateMutex_.lock();
+            ++effect_.stateLocks_;
+        }
+        ~StateLock() { effect_.unlockState(); }
+        StateLock(const StateLock&) = delete;
+        StateLock& operator=(const StateLock&) = delete;
+
+    private:
+        const EffectInstance& effect_;
+    };
+    StateLock lockState() const { return StateLock(*this); }
 
     // --- Sound
 
@@ -128,14 +148,18 @@ private:
     void setClipboardText(const std::string& text) override;
     void currentPatchReplaced() override;
 
-    void start(const Surroundings& surroundings);
+    void start();
     template <typename Step> void attempt(Step step);
+    void unlockState() const noexcept;
 
     Host& host_;
+    const Surroundings surroundings_;
     const InstanceIdentity identity_ = InstanceIdentity::next();
     EditorServices* services_ = nullptr;
     std::string ownClipboard_; // while there is no editor
     mutable std::recursive_mutex stateMutex_;
+    mutable int stateLocks_ = 0;           // that are held, one within another
+    mutable bool displayIsOutdated_ = false; // the host does not know yet
     std::deque<std::string> reports_;
     std::string lastReport_;
     std::atomic<unsigned> replacements_{0};

@@ -2,6 +2,7 @@
 // implements it; parameters are known here by their ids, not by the host's numbers.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,6 +32,9 @@ public:
     virtual void endEdit(int parameter) = 0;
     virtual void updateDisplay() = 0;                    // programs, their names or many values have changed
     virtual bool sizeWindow(int width, int height) = 0;  // of the editor; false: the host will not
+
+    // While somebody has this, the effect stays, even if the host closes it meanwhile.
+    virtual std::shared_ptr<void> hold() { return nullptr; }
 
     // [audio] At the block that is about to be processed.
     virtual HostTransport transport() noexcept = 0;

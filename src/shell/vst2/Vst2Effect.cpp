@@ -1,6 +1,7 @@
 #include "vst2/Vst2Effect.h"
 
 #include "platform/MemoryRecord.h"
+#include "platform/ThisProgram.h"
 #include "platform/UserRecord.h"
 
 #include <algorithm>
@@ -22,13 +23,17 @@ Vst2Effect* effectOf(AEffect* record) noexcept {
 
 VstIntPtr dispatcher(AEffect* record, VstInt32 opcode, VstInt32 index, VstIntPtr value, void* ptr,
                      float opt) noexcept {
-    Vst2Effect* const effect = effectOf(record);
     try {
+        Vst2Effect* const found = effectOf(record);
+        const auto effect = found != nullptr ? found->shared_from_this() : nullptr;
         if (effect == nullptr) {
             return 0;
         }
         if (opcode == effClose) {
-            delete effect;
+            effect->close();
+            if (effect.use_count() > 1) { // a host that closes it from within will let go of this code, too
+                Platform::keepThisLibrary();
+            }
             return 1;
         }
         return effect->dispatch(opcode, index, value, ptr, opt);
@@ -91,7 +96,9 @@ int channelsIn(float** channels, int promised) noexcept {
 } // namespace
 
 AEffect* createVst2Effect(audioMasterCallback host, const PluginParts& parts) {
-    return &(new Vst2Effect(host, parts))->record();
+    const auto effect = std::make_shared<Vst2Effect>(host, parts);
+    effect->open();
+    return &effect->record();
 }
 
 Vst2Effect::Vst2Effect(audioMasterCallback host, const PluginParts& parts)
@@ -118,6 +125,20 @@ Vst2Effect::Vst2Effect(audioMasterCallback host, const PluginParts& parts)
     effect_.processReplacing = Shell::processReplacing;
 }
 
+void Vst2Effect::open() {
+    self_ = shared_from_this();
+    host_.setOwner(self_);
+}
+
+void Vst2Effect::close() {
+    effect_.object = nullptr;
+    if (editor_ != nullptr) {
+        editor_->close();
+    }
+    host_.fallSilent();
+    self_.reset();
+}
+
 void Vst2Effect::setParameter(VstInt32 index, float value) noexcept {
     if (isHostIndex(index)) {
         instance_.setParameter(idOf(index), value);
@@ -136,7 +157,7 @@ void Vst2Effect::process(float** in, float** out, VstInt32 samples, bool adding)
                                   .outChannels = channelsIn(out, outChannels_.load(std::memory_order_relaxed)),
                                   .samples = samples,
                                   .adding = adding};
-    if (samples > 0 && buffers.inChannels > 0 && buffers.outChannels > 0) {
+    if (samples > 0 && buffers.outChannels > 0) {
         instance_.process(buffers);
     }
 }

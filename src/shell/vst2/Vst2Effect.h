@@ -28,13 +28,18 @@ struct PluginParts {
 // For VSTPluginMain. The host owns the effect until it says effClose. Throws what creation throws.
 Vst2::AEffect* createVst2Effect(Vst2::audioMasterCallback host, const PluginParts& parts);
 
-class Vst2Effect {
+// The host closes it with effClose, which may come from within one of its other calls when the effect has called the
+// host or waits for an answer on the screen. Then it goes when they are back.
+class Vst2Effect : public std::enable_shared_from_this<Vst2Effect> {
 public:
     Vst2Effect(Vst2::audioMasterCallback host, const PluginParts& parts);
     Vst2Effect(const Vst2Effect&) = delete;
     Vst2Effect& operator=(const Vst2Effect&) = delete;
 
     Vst2::AEffect& record() { return effect_; }
+
+    void open();  // belongs to the host from now on
+    void close();
 
     // Every opcode but effClose. May throw.
     Vst2::VstIntPtr dispatch(Vst2::VstInt32 opcode, Vst2::VstInt32 index, Vst2::VstIntPtr value, void* ptr,
@@ -100,6 +105,7 @@ private:
     Model::DiskFiles files_;
     EffectInstance instance_;
     std::unique_ptr<Editor> editor_; // made when the host asks for it first
+    std::shared_ptr<Vst2Effect> self_; // until it is closed
 
     // What the host has been handed, and may look at until the next call of its kind.
     std::string bankChunk_;

@@ -1,14 +1,10 @@
 #include "tool/plot/PngFile.h"
 
-#include "platform/AtomicFileWrite.h"
+#include "tool/PixelFile.h"
 #include "tool/plot/Canvas.h"
-
-#include <png.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 namespace Tool {
@@ -32,17 +28,7 @@ std::vector<std::uint8_t> bytesOf(const Canvas& canvas) {
 } // namespace
 
 void writePng(const std::filesystem::path& path, const Canvas& canvas) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(canvas.width());
-    image.height = static_cast<png_uint_32>(canvas.height());
-    image.format = PNG_FORMAT_RGB;
-    const std::vector<std::uint8_t> bytes = bytesOf(canvas);
-    Platform::atomicFileWrite(path, [&](const std::filesystem::path& temporary) {
-        if (!png_image_write_to_file(&image, temporary.string().c_str(), 0, bytes.data(), 0, nullptr)) {
-            throw std::runtime_error("Could not write " + path.string() + ": " + image.message);
-        }
-    });
+    writePixels(path, canvas.width(), canvas.height(), PixelBytes::rgb, bytesOf(canvas));
 }
 
 } // namespace Tool
