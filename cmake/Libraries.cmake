@@ -5,8 +5,8 @@ find_package(Threads REQUIRED)
 
 function(murmelon_library target file)
   find_library(${target}_FILE ${file} REQUIRED)
-  add_library(${target} INTERFACE)
-  target_link_libraries(${target} INTERFACE ${${target}_FILE})
+  add_library(${target} UNKNOWN IMPORTED)
+  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${${target}_FILE})
 endfunction()
 
 # The symbols of a static library stay inside: the host may carry its own copy with its own planner.
@@ -29,12 +29,17 @@ target_include_directories(murmelon_agg SYSTEM INTERFACE ${AGG_INCLUDE_DIR})
 
 # The command's own.
 if(WIN32)
-  # All of it static, from scripts/windows-libraries, whose include folder holds the header-only ones too. There
-  # is no FreeType among them: the font converter is for whoever makes the resources.
+  # All of it static, from scripts/windows-libraries, whose include folder holds the header-only ones too.
   find_path(WINDOWS_INCLUDE_DIR fftw3.h REQUIRED)
   include_directories(SYSTEM ${WINDOWS_INCLUDE_DIR})
-  murmelon_library(murmelon_sndfile libsndfile.a)
-  add_library(PkgConfig::sndfile ALIAS murmelon_sndfile)
+  foreach(library sndfile freetype harfbuzz)
+    murmelon_library(murmelon_${library} lib${library}.a)
+    add_library(PkgConfig::${library} ALIAS murmelon_${library})
+  endforeach()
+  target_include_directories(murmelon_freetype SYSTEM INTERFACE ${WINDOWS_INCLUDE_DIR}/freetype2)
+  target_link_libraries(murmelon_freetype INTERFACE murmelon_zlib)
+  target_include_directories(murmelon_harfbuzz SYSTEM INTERFACE ${WINDOWS_INCLUDE_DIR}/harfbuzz)
+  target_link_libraries(murmelon_harfbuzz INTERFACE murmelon_freetype)
 else()
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(sndfile REQUIRED IMPORTED_TARGET sndfile)

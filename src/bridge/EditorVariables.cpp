@@ -130,13 +130,18 @@ bool EditorVariables::set(std::string_view name, std::string_view value) {
         setScale(value);
         return true;
     }
-    if (effect_.keptVariables().set(name, value)) {
+    if (setKept(name, value)) {
         return true;
     }
     if (get(name)) {
         throw std::runtime_error("Variable cannot be changed: " + std::string(name));
     }
     return false;
+}
+
+bool EditorVariables::setKept(std::string_view name, std::string_view value) {
+    const auto lock = effect_.lockState();
+    return effect_.keptVariables().set(name, value);
 }
 
 std::optional<std::string> EditorVariables::parameterText(std::string_view name) const {

@@ -32,6 +32,7 @@ public:
 
 private:
     std::optional<std::string> parameterText(std::string_view name) const;
+    bool setKept(std::string_view name, std::string_view value);
     bool setParameter(std::string_view name, std::string_view value);
     std::optional<std::string> feedback(std::string_view name) const;
     std::optional<std::string> state(std::string_view name) const;

@@ -64,17 +64,24 @@ bool* switchOf(Model::MidiConfig& config, std::string_view key) {
 } // namespace
 
 void EditorActions::resetMidiConfig(const Call&) {
+    const auto lock = effect_.lockState();
     effect_.midiConfigs().reset();
 }
 
 void EditorActions::loadMidiConfig(const Call&) {
     environment_.chooseFile(midiConfigQuestion(FileQuestion::Kind::open, effect_.midiConfigs().config()),
-                            [this](const fs::path& file) { effect_.midiConfigs().load(file); });
+                            [this](const fs::path& file) {
+                                const auto lock = effect_.lockState();
+                                effect_.midiConfigs().load(file);
+                            });
 }
 
 void EditorActions::saveMidiConfig(const Call&) {
     environment_.chooseFile(midiConfigQuestion(FileQuestion::Kind::save, effect_.midiConfigs().config()),
-                            [this](const fs::path& file) { effect_.midiConfigs().save(file); });
+                            [this](const fs::path& file) {
+                                const auto lock = effect_.lockState();
+                                effect_.midiConfigs().save(file);
+                            });
 }
 
 void EditorActions::makeMidiConfigDefault(const Call&) {
@@ -82,7 +89,9 @@ void EditorActions::makeMidiConfigDefault(const Call&) {
 }
 
 void EditorActions::changeMidiConfig(const Call& call) {
-    effect_.midiConfigs().replace(readMidiConfigChange(call.params).config);
+    const Model::MidiConfig config = readMidiConfigChange(call.params).config;
+    const auto lock = effect_.lockState();
+    effect_.midiConfigs().replace(config);
 }
 
 // { toggle: KEY } of a switch, or any of the keys of the configuration's text: "ccAssignments" replaces all

@@ -82,7 +82,7 @@ void MidiLearn::assign(const LearnTarget& target, int number) {
         config.programKeysEnabled = true;
         config.programKeysBaseNote = std::clamp(number, 1, 127);
     }
-    effect_.midiConfigs().replace(config);
+    replace(config);
     if (target_ == target) {
         cancel();
     }
@@ -95,10 +95,15 @@ void MidiLearn::unassign(const LearnTarget& target) {
     } else {
         config.programKeysEnabled = false;
     }
-    effect_.midiConfigs().replace(config);
+    replace(config);
     if (target_ == target) {
         cancel();
     }
+}
+
+void MidiLearn::replace(const Model::MidiConfig& config) {
+    const auto lock = effect_.lockState();
+    effect_.midiConfigs().replace(config);
 }
 
 void MidiLearn::poll() {

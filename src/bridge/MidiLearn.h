@@ -57,6 +57,8 @@ public:
     std::optional<int> lastKey() const { return lastKey_; }
 
 private:
+    void replace(const Model::MidiConfig& config);
+
     Shell::EffectInstance& effect_;
     std::optional<LearnTarget> target_;
     std::optional<int> lastController_;

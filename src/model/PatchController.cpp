@@ -49,14 +49,15 @@ void PatchController::randomise() {
 }
 
 void PatchController::save(const std::filesystem::path& file) {
-    const std::uint32_t stamp = current().changeStamp();
-    AtomicPatch saved = current();
+    AtomicPatch& patch = current();
+    const std::uint32_t stamp = patch.changeStamp();
+    AtomicPatch saved = patch;
     saved.setPath(file);
     saved.markSaved();
     files_.write(file, Stackbrace::withFileLineEnds(writePatch(saved)));
-    current().setPath(file);
-    if (current().changeStamp() == stamp) {
-        current().markSaved(); // else automation has moved on while the file was written
+    patch.setPath(file);
+    if (patch.changeStamp() == stamp) {
+        patch.markSaved(); // else automation has moved on while the file was written
     }
     surroundings_.currentPatchReplaced();
 }
@@ -70,7 +71,8 @@ std::filesystem::path PatchController::proposedFile() const {
 }
 
 void PatchController::changeParameter(int id, float value, UndoStep step) {
-    if (Parameters::clampNormalised(value) == current().value(id)) {
+    const int program = programs_.current();
+    if (Parameters::clampNormalised(value) == programs_[program].value(id)) {
         return;
     }
     std::string description = surroundings_.translate("Change ^P");
@@ -79,23 +81,26 @@ void PatchController::changeParameter(int id, float value, UndoStep step) {
         description.replace(placeholder, 2, surroundings_.translate(record.displayName));
     }
     // A run ends with its program: a step shared by two would take back the change of the first alone.
-    const bool goesOn = step == UndoStep::ofRun && history_.newestProgram() == programs_.current();
-    history_.record(std::move(description), goesOn, current(), programs_.current());
-    current().setValue(id, value);
+    const bool goesOn = step == UndoStep::ofRun && history_.newestProgram() == program;
+    history_.record(std::move(description), goesOn, programs_[program], program);
+    programs_[program].setValue(id, value);
 }
 
 void PatchController::rename(const std::string& name) {
-    if (name == current().name()) {
+    const int program = programs_.current();
+    AtomicPatch& patch = programs_[program];
+    if (name == patch.name()) {
         return;
     }
-    history_.record(surroundings_.translate("Change Patch Name"), false, current(), programs_.current());
-    current().setName(name);
-    current().markModified();
+    history_.record(surroundings_.translate("Change Patch Name"), false, patch, program);
+    patch.setName(name);
+    patch.markModified();
     surroundings_.currentPatchReplaced();
 }
 
 void PatchController::undo() {
-    goTo(history_.undo(current(), programs_.current()));
+    const int program = programs_.current();
+    goTo(history_.undo(programs_[program], program));
 }
 
 void PatchController::redo() {
@@ -103,15 +108,16 @@ void PatchController::redo() {
 }
 
 void PatchController::install(const Patch& patch, std::string_view description) {
-    history_.record(surroundings_.translate(description), false, current(), programs_.current());
-    current().assign(patch);
+    const int program = programs_.current();
+    history_.record(surroundings_.translate(description), false, programs_[program], program);
+    programs_[program].assign(patch);
     surroundings_.currentPatchReplaced();
 }
 
 void PatchController::goTo(const UndoHistory::Entry* entry) {
     if (entry) {
+        programs_[entry->program].assign(*entry->patch);
         programs_.select(entry->program);
-        current().assign(*entry->patch);
         surroundings_.currentPatchReplaced();
     }
 }

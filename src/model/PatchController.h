@@ -40,6 +40,7 @@ enum class UndoStep {
     own,
 };
 
+// A message may switch programs on the audio thread at any time: an operation is on the program that it has found.
 class PatchController {
 public:
     PatchController(Programs& programs, TextFiles& files, PatchSurroundings& surroundings)

@@ -48,7 +48,11 @@ bool DrawingExecutor::execute(Frame& frame, std::string_view name, const ZEKT::A
         if (row->needsArguments) {
             arguments.requireAny();
         }
-        (this->*row->run)(frame, arguments);
+        try {
+            (this->*row->run)(frame, arguments);
+        } catch (const Drawing::EffortError& error) {
+            fail(error.what());
+        }
         return true;
     }
     if (const auto transform = readTransform(frame, name, text)) {

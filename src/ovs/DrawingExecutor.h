@@ -51,7 +51,8 @@ private:
     void mask(Frame& frame, Arguments& arguments);
     void define(Frame& frame, Arguments& arguments);
     void defineImage(Frame& frame, const std::string& name, const ZEKT::Argument& body, double resolution);
-    Drawing::Pattern makePattern(Frame& frame, const ZEKT::Argument& body, bool relative) override;
+    Drawing::Pattern makePattern(Frame& frame, const ZEKT::Argument& body, bool relative,
+                                 const Drawing::Transform& transform) override;
 
     Drawing::DrawOptions drawOptions() const;
     void drawShape(const Drawing::Path& shape);

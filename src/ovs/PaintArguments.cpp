@@ -2,6 +2,7 @@
 
 #include "ovs/Transforms.h"
 #include "ovs/Values.h"
+#include "zekt/Lexical.h"
 #include "zekt/NumberText.h"
 
 #include <array>
@@ -95,23 +96,30 @@ Paint readLabels(ZEKT::Frame& frame, ZEKT::Arguments& arguments, PatternMaker& p
     if (relative) {
         paint.relative = relative->boolean();
     }
+    if (const ZEKT::Argument* const transform = arguments.optional("transform")) {
+        paint.transform = readTransformBlock(frame, *transform);
+    }
     if (gradient) {
         readGradient(*gradient, paint);
     } else if (pattern) {
-        paint.source = patterns.makePattern(frame, *pattern, paint.relative);
+        paint.source = patterns.makePattern(frame, *pattern, paint.relative, paint.transform);
     }
     if (const ZEKT::Argument* const opacity = arguments.optional("opacity")) {
         paint.opacity = readOpacity(*opacity);
     }
-    if (const ZEKT::Argument* const transform = arguments.optional("transform")) {
-        paint.transform = readTransformBlock(frame, *transform);
-    }
     return paint;
+}
+
+// Whether all of a bracketed argument is one colour by its components, which may have blanks between them.
+bool isComponentColour(std::string_view inside) {
+    const std::string_view text = ZEKT::Lexical::trimmed(inside);
+    const std::string kind = ZEKT::folded(text.substr(0, 4));
+    return (kind == "rgb(" || kind == "hsv(") && text.ends_with(')');
 }
 
 // All of a paint in one bracketed argument, or a colour.
 Paint wholePaint(ZEKT::Frame& frame, const ZEKT::Argument& argument, PatternMaker& patterns) {
-    if (!argument.isBracketed()) {
+    if (!argument.isBracketed() || isComponentColour(ZEKT::Lexical::inside(argument.raw()))) {
         return {colourOf(argument.text())};
     }
     ZEKT::Arguments inner = argument.arguments();

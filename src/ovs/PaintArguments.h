@@ -8,11 +8,12 @@
 
 namespace OVS {
 
-// Draws the body of a "pattern", a drawing of its own, into a tile.
+// Draws the body of a "pattern", a drawing of its own, into a tile, as fine as the paint's transform makes it.
 class PatternMaker {
 public:
     virtual ~PatternMaker() = default;
-    virtual Drawing::Pattern makePattern(ZEKT::Frame& frame, const ZEKT::Argument& body, bool relative) = 0;
+    virtual Drawing::Pattern makePattern(ZEKT::Frame& frame, const ZEKT::Argument& body, bool relative,
+                                         const Drawing::Transform& transform) = 0;
 };
 
 // Fetches what belongs to the paint, the colour being the indexed argument 0.

@@ -29,7 +29,7 @@ Picture::Picture(Run& run, Kind kind, int width, int height, const Transform& pl
 
 void Picture::makeCanvas(int width, int height) {
     pixels_ = run_.makeSurface(width, height);
-    canvas_ = std::make_unique<Drawing::Canvas>(pixels_->view());
+    canvas_ = std::make_unique<Drawing::Canvas>(pixels_->view(), &run_.effort());
 }
 
 void Picture::declareBounds(const IntRect& bounds) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 namespace OVS {
@@ -133,13 +134,16 @@ void DrawingExecutor::defineImage(Frame& frame, const std::string& name, const Z
 }
 
 // A relative pattern does not know its shapes yet: they are at most as large as the canvas.
-Drawing::Pattern DrawingExecutor::makePattern(Frame& frame, const ZEKT::Argument& body, bool relative) {
-    double scaleX = (picture_.placement() * state_.transform).maxScale();
-    double scaleY = scaleX;
+Drawing::Pattern DrawingExecutor::makePattern(Frame& frame, const ZEKT::Argument& body, bool relative,
+                                              const Drawing::Transform& transform) {
+    Drawing::Transform place = picture_.placement() * state_.transform;
     if (relative) {
-        scaleX = picture_.canvas().target().width;
-        scaleY = picture_.canvas().target().height;
+        const Drawing::SurfaceView& target = picture_.canvas().target();
+        place = Drawing::Transform::scale(target.width, target.height);
     }
+    place = place * transform;
+    const double scaleX = relative ? std::hypot(place.a, place.b) : place.maxScale();
+    const double scaleY = relative ? std::hypot(place.c, place.d) : place.maxScale();
     Picture drawing(picture_.run(), Picture::Kind::pattern, scaleX * state_.patternResolution,
                     scaleY * state_.patternResolution);
     drawBody(frame, body, drawing);

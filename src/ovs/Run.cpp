@@ -23,6 +23,7 @@ std::shared_ptr<Drawing::Surface> Run::makeSurface(int width, int height) {
     };
     try {
         Drawing::checkSurfaceSize(width, height);
+        effort_.spend(static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height));
         auto counted = std::make_shared<Counted>();
         counted->share = reserve(static_cast<std::int64_t>(width) * height);
         counted->surface = Drawing::Surface(width, height);
@@ -39,6 +40,7 @@ std::shared_ptr<const Drawing::Mask> Run::makeMask(const Drawing::ConstSurfaceVi
         Drawing::Mask mask;
     };
     constexpr std::int64_t kMasksToAPixel = 4; // in memory
+    effort_.spend(static_cast<std::uint64_t>(drawing.width) * static_cast<std::uint64_t>(drawing.height));
     auto share = reserve(static_cast<std::int64_t>(drawing.width) * drawing.height / kMasksToAPixel);
     auto counted =
         std::make_shared<Counted>(Counted{std::move(share), Drawing::Mask(drawing, inverted, outer)});

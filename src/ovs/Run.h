@@ -1,5 +1,5 @@
-// What all drawings of one run of a document share: the definitions, the environment, and the memory that pictures
-// may take together.
+// What all drawings of one run of a document share: the definitions, the environment, and the time and memory that
+// they may take together.
 #pragma once
 
 #include "drawing/Canvas.h"
@@ -13,6 +13,9 @@
 #include <string>
 
 namespace OVS {
+
+// Some seconds, ten or so at the worst.
+inline constexpr std::uint64_t kMostEffort = 5'000'000'000;
 
 // Half a gigabyte: two pictures of the largest size.
 inline constexpr std::int64_t kMostPixelsAlive = 2 * Drawing::kMaxSurfacePixels;
@@ -28,6 +31,7 @@ public:
     explicit Run(const Environment& environment) : environment_(environment) {}
 
     const Environment& environment() const { return environment_; }
+    Drawing::Effort& effort() { return effort_; }
 
     // These count as long as anybody holds them. A run that wants more fails with "Image memory limit reached".
     std::shared_ptr<Drawing::Surface> makeSurface(int width, int height);
@@ -47,6 +51,7 @@ private:
     std::shared_ptr<void> reserve(std::int64_t pixels);
 
     const Environment& environment_;
+    Drawing::Effort effort_{kMostEffort};
     std::shared_ptr<std::int64_t> pixelsLeft_ = std::make_shared<std::int64_t>(kMostPixelsAlive);
     std::map<std::string, std::shared_ptr<const Font>> fonts_;
     std::map<std::string, Image> images_;

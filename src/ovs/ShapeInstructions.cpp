@@ -18,6 +18,7 @@ using Drawing::Transform;
 
 void DrawingExecutor::drawShape(const Drawing::Path& shape) {
     Drawing::Canvas& canvas = picture_.canvas();
+    picture_.run().effort().spend(shape.points().size() * Drawing::Effort::kPoint);
     const Drawing::DrawOptions options = drawOptions();
     canvas.fill(shape, state_.fill, state_.rule, options);
     canvas.stroke(shape, state_.pen, options);
@@ -149,6 +150,10 @@ void DrawingExecutor::drawText(const TextRun& run, Point at) {
     const Transform place = Transform::offset(at.x, at.y) * settings.transform;
     scratch_.clear();
     for (const PlacedGlyph& glyph : run.glyphs) {
+        picture_.run().effort().spend(glyph.outline->points().size() * Drawing::Effort::kPoint);
+        if (scratch_.points().size() > Drawing::Effort::kMostPoints) {
+            throw Drawing::EffortError();
+        }
         scratch_.append(*glyph.outline,
                         place * Transform{run.scale, 0.0, 0.0, run.scale, glyph.x, 0.0});
     }

@@ -6,6 +6,7 @@
 #include "bridge/NumberText.h"
 #include "metatext/MetaText.h"
 #include "notation/Quoting.h"
+#include "tool/ErrorLine.h"
 #include "tool/WindowlessEffect.h"
 
 #include <CLI/CLI.hpp>
@@ -16,6 +17,7 @@
 #include <iostream>
 #include <memory>
 #include <numbers>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -154,14 +156,7 @@ private:
                     kHalfLevel * static_cast<float>(std::sin(2 * std::numbers::pi * phase_));
                 phase_ = std::fmod(phase_ + step, 1.0);
             }
-            const std::array<const float*, 2> in = {sound.data(), sound.data()};
-            std::array<std::array<float, kBlock>, 2> output;
-            const std::array<float*, 2> out = {output[0].data(), output[1].data()};
-            Shell::AudioBuffers buffers;
-            buffers.in = in.data();
-            buffers.out = out.data();
-            buffers.samples = samples;
-            effect_.process(buffers);
+            windowless_.hear(std::span(sound).first(static_cast<std::size_t>(samples)));
             left -= samples;
         }
         effect_.idle();
@@ -192,12 +187,6 @@ private:
     AnsweringDesktop desktop_{windowless_};
     double phase_ = 0; // of the sine, in turns
 };
-
-// An answer is one line.
-std::string oneLine(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-}
 
 void run(const std::string& preferences) {
     Session session(preferences);

@@ -157,10 +157,10 @@ struct SnapshotOptions {
 };
 
 // A second of a tone with all harmonics, for what shows the sound that goes through.
-void sound(Shell::EffectInstance& effect, double frequency) {
+void sound(WindowlessEffect& effect, double frequency) {
     constexpr int kBlock = 512;
     constexpr float kLevel = 0.25f;
-    const double rate = effect.audio().sampleRate();
+    const double rate = effect.effect().audio().sampleRate();
     double phase = 0;
     for (double left = rate; left > 0; left -= kBlock) {
         std::array<float, kBlock> wave{};
@@ -168,16 +168,9 @@ void sound(Shell::EffectInstance& effect, double frequency) {
             sample = kLevel * static_cast<float>(2 * phase - 1);
             phase = std::fmod(phase + frequency / rate, 1.0);
         }
-        const std::array<const float*, 2> in = {wave.data(), wave.data()};
-        std::array<std::array<float, kBlock>, 2> output;
-        const std::array<float*, 2> out = {output[0].data(), output[1].data()};
-        Shell::AudioBuffers buffers;
-        buffers.in = in.data();
-        buffers.out = out.data();
-        buffers.samples = kBlock;
-        effect.process(buffers);
+        effect.hear(wave);
     }
-    effect.idle();
+    effect.effect().idle();
 }
 
 // With an effect of its own behind it, as it comes out of the box.
@@ -187,7 +180,7 @@ void snapshot(const SnapshotOptions& options) {
     const LayoutFiles documents(options.document, resources);
     WindowlessEffect effect({}, [](const std::string&) {});
     if (options.tone > 0) {
-        sound(effect.effect(), options.tone);
+        sound(effect, options.tone);
     }
 
     Images::ImageLibrary images(resources, [](std::string_view line) { std::cerr << line << '\n'; });

@@ -6,6 +6,7 @@
 
 #include <fmt/core.h>
 
+#include <array>
 #include <iostream>
 #include <random>
 #include <system_error>
@@ -54,6 +55,15 @@ WindowlessEffect::WindowlessEffect(const std::string& preferences, SayingHost::S
     while (const auto report = effect_.takeReport()) {
         std::cerr << *report << '\n';
     }
+}
+
+void WindowlessEffect::hear(std::span<float> block) {
+    const std::array<float*, 2> channels = {block.data(), block.data()};
+    Shell::AudioBuffers buffers;
+    buffers.in = channels.data();
+    buffers.out = channels.data();
+    buffers.samples = static_cast<int>(block.size());
+    effect_.process(buffers);
 }
 
 std::string WindowlessEffect::answer(std::string_view name) const {

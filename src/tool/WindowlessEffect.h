@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
 
 namespace Tool {
@@ -61,6 +62,9 @@ public:
     const Bridge::EditorBridge& bridge() const { return bridge_; }
     const Quilt::StringTable& strings() const { return strings_; }
     Platform::Clipboard& clipboard() { return clipboard_; }
+
+    // The block goes in on both sides; what comes out nobody hears, it overwrites the block.
+    void hear(std::span<float> block);
 
     // instance.NAME
     std::string answer(std::string_view name) const;

@@ -19,6 +19,14 @@ std::optional<std::size_t> findQuotedEnd(std::string_view text, std::size_t at) 
     return std::nullopt;
 }
 
+// Whether the last character, or the line end of two, is an escaped one.
+bool endsWithEscape(std::string_view text) {
+    text.remove_suffix(text.ends_with("\\\r\n") ? 2 : 1);
+    const std::size_t other = text.find_last_not_of('\\');
+    const std::size_t backslashes = text.size() - (other == std::string_view::npos ? 0 : other + 1);
+    return backslashes % 2 != 0;
+}
+
 } // namespace
 
 bool isVariableName(std::string_view text) {
@@ -111,7 +119,7 @@ std::string_view trimmed(std::string_view text) {
     while (!text.empty() && isSpace(text.front())) {
         text.remove_prefix(1);
     }
-    while (!text.empty() && isSpace(text.back())) {
+    while (!text.empty() && isSpace(text.back()) && !endsWithEscape(text)) {
         text.remove_suffix(1);
     }
     return text;

@@ -19,11 +19,16 @@ struct SilentHost final : Shell::Host {
     void automate(int, float) override { ++automations; }
     void beginEdit(int) override { ++begun; }
     void endEdit(int) override { ++ended; }
-    void updateDisplay() override {}
+    void updateDisplay() override {
+        if (onUpdateDisplay) {
+            onUpdateDisplay();
+        }
+    }
     bool sizeWindow(int, int) override { return identity_.sizesWindow; }
     Shell::HostTransport transport() noexcept override { return {}; }
 
     Shell::HostIdentity identity_;
+    std::function<void()> onUpdateDisplay;
     int automations = 0;
     int begun = 0;
     int ended = 0;

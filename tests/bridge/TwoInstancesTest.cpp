@@ -1,8 +1,19 @@
 // What instances share and what each keeps for itself; what goes into the host's project.
 #include "Effects.h"
 
+#include "model/MidiConfigText.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <future>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
 
 using BridgeTest::Effect;
 using testing::ElementsAre;
@@ -44,6 +55,77 @@ TEST(Project, KeepsVariablesOfProjectAndPrograms) {
     loaded.instance.readBankChunk(plain);
     EXPECT_EQ(loaded.value("project.page"), "");
     EXPECT_EQ(loaded.value("program.colour"), "");
+}
+
+// Some hosts save from a thread of their own, at any time.
+TEST(Project, IsSavedWhileTheUserWorks) {
+    Platform::MemoryRecord preferences;
+    Effect effect(preferences);
+    effect.files.files["folder/" + std::string(200, 'a')] = Model::writeMidiConfig({});
+    constexpr int kLeastSaves = 600;
+    std::atomic<bool> stop = false;
+    std::atomic<int> saved = 0;
+    std::string failure;
+    std::thread host([&] {
+        Platform::MemoryRecord elsewhere;
+        Effect loaded(elsewhere);
+        while (loaded.instance.takeReport()) { // there is no factory bank here
+        }
+        try {
+            while (!stop) {
+                loaded.instance.readBankChunk(effect.instance.bankChunk());
+                loaded.instance.readProgramChunk(effect.instance.programChunk());
+                ++saved;
+            }
+        } catch (const std::exception& error) {
+            failure = error.what();
+            saved = kLeastSaves;
+        }
+        if (const auto report = loaded.instance.takeReport(); report && failure.empty()) {
+            failure = *report;
+        }
+    });
+    for (int i = 0; saved < kLeastSaves; ++i) {
+        const std::string number = std::to_string(i % 50);
+        effect.write("project.x" + number, i % 2 ? std::string(100, 'x') : "");
+        effect.write("program.x" + number, i % 3 ? std::string(100, 'x') : "");
+        effect.act("changeMidiConfig", "sourcePath: " + std::string(static_cast<std::size_t>(i % 7 * 50), 'p') + "x");
+        effect.act("midiAssign", "variable: params.mix, cc: " + number);
+        effect.act("midiAssign", "variable: params.mix, unassign: true");
+        effect.dialogAnswer = "folder/" + std::string(200, i % 2 ? 'a' : 'b');
+        effect.act("loadMidiConfig");
+        effect.act("saveMidiConfig");
+        effect.act("resetMidiConfig");
+    }
+    stop = true;
+    host.join();
+    EXPECT_EQ(failure, "");
+}
+
+// A host may wait for its own thread that saves when it is told that programs have changed.
+TEST(Project, MayBeSavedWhileTheHostIsTold) {
+    Platform::MemoryRecord preferences;
+    Effect effect(preferences);
+    int told = 0;
+    bool saves = true;
+    std::future<std::string> saving;
+    effect.host.onUpdateDisplay = [&] {
+        ++told;
+        saving = std::async(std::launch::async, [&] { return effect.instance.bankChunk(); });
+        saves = saves && saving.wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+    };
+    int expected = 0;
+    for (const auto& [action, params] :
+         {std::pair("copyPatch", ""), {"pastePatch", ""}, {"exchangePatch", ""}, {"initPatch", ""},
+          {"randomizePatch", ""}, {"undo", ""}, {"redo", ""}, {"switchProgram", "{ step: 1 }"}}) {
+        EXPECT_EQ(effect.act(action, params), "") << action;
+        expected += std::string_view(action) == "copyPatch" ? 0 : 1;
+        EXPECT_EQ(told, expected) << action;
+        ASSERT_TRUE(saves) << action;
+    }
+    EXPECT_EQ(effect.write("patch.name", "Another"), "");
+    EXPECT_EQ(told, expected + 1);
+    EXPECT_TRUE(saves);
 }
 
 TEST(Gestures, AreOneUndoStepAndOneEditEach) {

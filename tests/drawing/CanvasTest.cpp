@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -131,7 +132,14 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 20, 5), 80},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 20, -10), 80},
         {"M10 50H70", pen(4, Caps::round, Joints::miter, 0, 20, -10), 3 * 4 * pi},
+        {"M10 50H69", pen(4, Caps::round, Joints::miter, 0, 20), 3 * 4 * pi}, // the first where the line begins
+        {"M10 50H69", pen(4, Caps::butt, Joints::miter, 0, 20), 0},
         {"M20 20H60V60H20Z", pen(2, Caps::butt, Joints::miter, 40, 40), 160},
+        {"M20 20H60V60H20Z", pen(16, Caps::butt, Joints::miter, 40, 40, 20), 1280}, // joined where it begins
+        {"M20 20H60V60H20Z", pen(16, Caps::butt, Joints::miter, 400, 40), 56 * 56 - 24 * 24},
+        // The outside of a curve is round, whatever the joints are, within pieces and from one to the next.
+        {"M50 49A1 1 0 0 1 50 51A1 1 0 0 1 50 49Z", pen(60, Caps::butt, Joints::bevel), 31 * 31 * pi},
+        {"M50 49A1 1 0 0 1 50 51A1 1 0 0 1 50 49Z", pen(60, Caps::butt, Joints::miter), 31 * 31 * pi},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 10, 0), 240},
         {"M10 50H70", pen(4, Caps::butt, Joints::miter, 1e-9, 1e-9), 240}, // too fine to be seen
     };
@@ -146,6 +154,17 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         Canvas(surface.view()).stroke(pathOf("M10 40L60 50 10 60"), {{kBlack}, 4, Caps::butt, Joints::miter, limit}, {});
         EXPECT_EQ(alphaAt(surface, 66, 50) > 0, limit > 5.1) << limit;
     }
+    // A dash without length is turned as the line is: the corners of its square lie straight above and below.
+    Surface square(100, 100);
+    Canvas(square.view()).stroke(pathOf("M10 10L80 80"), pen(20, Caps::square, Joints::miter, 0, 200, -40 * std::sqrt(2.0)), {});
+    EXPECT_NEAR(totalAlpha(square), 400, 2);
+    EXPECT_EQ(alphaAt(square, 50, 38), 255U);
+    EXPECT_EQ(alphaAt(square, 41, 41), 0U);
+    // One far wider than the surface still covers what it should: half of this one.
+    Surface wide(100, 100);
+    Canvas(wide.view()).stroke(pathOf("M50 50L80 80"), pen(1e9, Caps::butt, Joints::miter), {});
+    Canvas(wide.view()).stroke(pathOf("M80 80L250 250"), pen(1e9, Caps::butt, Joints::miter), {});
+    EXPECT_NEAR(totalAlpha(wide), 5000, 10);
     // The pen is bent as the shape is.
     Surface surface(100, 100);
     Canvas(surface.view()).stroke(pathOf("M1 5H9"), {{kBlack}, 2}, {.transform = Transform::scale(10, 2)});
@@ -284,6 +303,45 @@ TEST(Canvas, FinerCurvesHaveMoreCorners) {
         return std::abs(totalAlpha(surface) - std::acos(-1.0) * 8100);
     };
     EXPECT_GT(roughness(0.01), 10 * roughness(1.0));
+}
+
+// Each of these costs about ten thousand steps, and draws when there are enough of them.
+TEST(Canvas, StopsWhenItsEffortIsSpent) {
+    Path square = pathOf("M0 0H50V50H0Z");
+    Path curves; // in sight or not
+    for (int i = 0; i < 10; ++i) {
+        curves.moveTo({-1e4, 0});
+        curves.cubicTo({-2e4, 1e4}, {-3e4, -1e4}, {-1e4, 1e3});
+    }
+    Surface tile(100, 100);
+    const Paint small{Pattern{std::make_shared<const Surface>(100, 100), {0, 0, 1, 1}}};
+    const Pen dashed{{kBlack}, 1, Caps::round, Joints::miter, 4, 0.1, 0.1};
+    const std::function<void(Canvas&)> drawings[] = {
+        [&](Canvas& c) { c.fill(curves, {kBlack}, FillRule::nonZero, {}); },
+        [&](Canvas& c) { c.stroke(square, dashed, {}); },
+        [&](Canvas& c) { c.fill(pathOf("M0 0H1V1H0Z"), small, FillRule::nonZero, {}); },
+        [&](Canvas& c) { c.drawImage(tile.view(), {0, 0, 1, 1}, 1, nullptr, {}); },
+        [&](Canvas& c) {
+            for (int i = 0; i < 4; ++i) {
+                c.wipe({kRed}, {});
+                c.fill(square, {kBlack}, FillRule::nonZero, {});
+            }
+        },
+    };
+    for (const auto& draw : drawings) {
+        Surface surface(50, 50);
+        Effort little(4000);
+        Effort enough(4'000'000);
+        Canvas weak(surface.view(), &little);
+        Canvas strong(surface.view(), &enough);
+        EXPECT_THROW(draw(weak), EffortError) << &draw - drawings;
+        EXPECT_NO_THROW(draw(strong)) << &draw - drawings;
+    }
+    // Whatever it may cost: an outline that the memory would not hold.
+    Surface surface(50, 50);
+    Path star;
+    star.addStar({25, 25}, 10000, 20, 5, 0);
+    EXPECT_THROW(Canvas(surface.view()).stroke(star, {{kBlack}, 1e5, Caps::butt, Joints::curve}, {}), EffortError);
 }
 
 // Nothing a document can name may do harm, or hide what is in sight.

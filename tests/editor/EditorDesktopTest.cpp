@@ -16,8 +16,59 @@
 namespace fs = std::filesystem;
 using namespace Testing;
 
+namespace {
+
+// A folder with a fake zenity is all there is of a desktop.
+class EditorDesktop : public testing::Test {
+protected:
+    void SetUp() override {
+        fs::create_directories(folder_);
+        setenv("PATH", folder_.c_str(), 1);
+        unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        unsetenv("XDG_RUNTIME_DIR");
+        unsetenv("XDG_CURRENT_DESKTOP");
+    }
+    void TearDown() override {
+        setenv("PATH", path_.c_str(), 1);
+        fs::remove_all(folder_);
+    }
+    // It prints the path, and writes its last word to "asked".
+    void zenityAnswers(const fs::path& path) const {
+        std::ofstream(folder_ / "zenity") << "#!/bin/sh\nfor word; do :; done\nprintf '%s' \"$word\" > '"
+                                          << (folder_ / "asked").string() << "'\necho '" << path.string() << "'\n";
+        fs::permissions(folder_ / "zenity", fs::perms::owner_all);
+    }
+
+    const std::string path_ = std::getenv("PATH");
+    const fs::path folder_ = fs::temp_directory_path() / ("murmelon-desktop-" + std::to_string(getpid()));
+    const XServer server_;
+    BlockLetters letters_;
+};
+
+} // namespace
+
+TEST_F(EditorDesktop, BeginsWhereTheLastFileLay) {
+    std::ofstream(folder_ / "there.kvmc") << "text";
+    const std::string inFolder = "--filename=" + folder_.string() + "/";
+    for (const fs::path& proposed : {folder_, folder_ / "there.kvmc", folder_ / "gone.kvmc"}) {
+        zenityAnswers("/some/file");
+        fs::path chosen;
+        Shell::EditorDesktop desktop(letters_, [](const std::string& message) { FAIL() << message; });
+        Bridge::FileQuestion question;
+        question.proposed = proposed;
+        desktop.chooseFile(question, [&](const fs::path& file) { chosen = file; });
+        EXPECT_TRUE(eventually([&] {
+            desktop.poll();
+            return !chosen.empty();
+        }));
+        std::string asked;
+        std::getline(std::ifstream(folder_ / "asked"), asked);
+        EXPECT_EQ(asked, inFolder) << proposed;
+    }
+}
+
 // A name without the extension gets it, and then the file dialog has not asked whether what is there may go.
-TEST(EditorDesktop, SavesUnderTheNameThatIsMeant) {
+TEST_F(EditorDesktop, SavesUnderTheNameThatIsMeant) {
     struct Case {
         const char* typed;
         std::vector<int> keys; // answers to a question
@@ -38,26 +89,16 @@ TEST(EditorDesktop, SavesUnderTheNameThatIsMeant) {
         {"fails", {}, "", "fails.kvmp"},
         {"fails2", {Key::kTab, Key::kReturn}, "", "fails2.kvmp"},
     };
-    const XServer server;
     Client user;
-    const fs::path folder = fs::temp_directory_path() / ("murmelon-desktop-" + std::to_string(getpid()));
-    fs::create_directories(folder);
     for (const char* there : {"bare", "old.kvmp", "fails2.kvmp"}) {
-        std::ofstream(folder / there) << "old";
+        std::ofstream(folder_ / there) << "old";
     }
-    const std::string path = std::getenv("PATH");
-    setenv("PATH", folder.c_str(), 1);
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    unsetenv("XDG_RUNTIME_DIR");
-    unsetenv("XDG_CURRENT_DESKTOP");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.typed);
-        std::ofstream(folder / "zenity") << "#!/bin/sh\necho '" << (folder / c.typed).string() << "'\n";
-        fs::permissions(folder / "zenity", fs::perms::owner_all);
-        BlockLetters letters;
+        zenityAnswers(folder_ / c.typed);
         std::string saved;
         std::string failure;
-        Shell::EditorDesktop desktop(letters, [&](const std::string& message) { failure = message; });
+        Shell::EditorDesktop desktop(letters_, [&](const std::string& message) { failure = message; });
         Bridge::FileQuestion question;
         question.kind = Bridge::FileQuestion::Kind::save;
         question.types = {{"Patch", ".kvmp"}, {"All Files", ""}};
@@ -92,6 +133,4 @@ TEST(EditorDesktop, SavesUnderTheNameThatIsMeant) {
         EXPECT_EQ(saved, c.saved);
         EXPECT_EQ(failure, c.failure);
     }
-    setenv("PATH", path.c_str(), 1);
-    fs::remove_all(folder);
 }

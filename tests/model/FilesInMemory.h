@@ -3,6 +3,7 @@
 
 #include "model/TextFiles.h"
 
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <utility>
@@ -10,6 +11,7 @@
 struct FilesInMemory : Model::TextFiles {
     std::filesystem::path writable;
     std::map<std::filesystem::path, std::string> files;
+    std::function<void()> meanwhile; // what another thread does while one is written
 
     explicit FilesInMemory(std::filesystem::path folder) : writable(std::move(folder)) {}
 
@@ -22,5 +24,8 @@ struct FilesInMemory : Model::TextFiles {
             throw std::runtime_error("read-only file system");
         }
         files[path] = contents;
+        if (meanwhile) {
+            meanwhile();
+        }
     }
 };

@@ -107,7 +107,14 @@ struct FakeSurroundings : PatchSurroundings {
     std::string clipboard;
     int replaced = 0;
 
-    std::string translate(std::string_view text) const override { return "<" + std::string(text) + ">"; }
+    std::function<void()> meanwhile; // what another thread does
+
+    std::string translate(std::string_view text) const override {
+        if (meanwhile) {
+            meanwhile();
+        }
+        return "<" + std::string(text) + ">";
+    }
     std::string clipboardText() const override { return clipboard; }
     void setClipboardText(const std::string& text) override { clipboard = text; }
     void currentPatchReplaced() override { ++replaced; }
@@ -126,6 +133,37 @@ struct PatchControllerTest : testing::Test {
 };
 
 } // namespace
+
+TEST_F(PatchControllerTest, anotherProgramInBetweenIsNotTouched) {
+    struct Row {
+        const char* operation;
+        std::function<void()> perform;
+    };
+    const Row rows[] = {
+        {"initialise", [&] { controller.initialise("mine"); }},
+        {"randomise", [&] { controller.randomise(); }},
+        {"rename", [&] { controller.rename("mine"); }},
+        {"change", [&] { controller.changeParameter(Parameters::mix, 0.75f); }},
+        {"save", [&] { controller.save("/patches/saved.kvmp"); }},
+    };
+    around.meanwhile = disk.meanwhile = [&] { programs.select(1); };
+    const std::string first = writePatch(programs[0]);
+    const std::string second = writePatch(programs[1]);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.operation);
+        programs.select(0);
+        row.perform();
+        EXPECT_EQ(programs.current(), 1);
+        EXPECT_NE(writePatch(programs[0]), first);
+        EXPECT_EQ(writePatch(programs[1]), second);
+        if (controller.history().canUndo()) {
+            controller.undo();
+            EXPECT_EQ(programs.current(), 0);
+            EXPECT_EQ(writePatch(programs[0]), first);
+            EXPECT_EQ(writePatch(programs[1]), second);
+        }
+    }
+}
 
 TEST_F(PatchControllerTest, eachOperationIsOneUndoStep) {
     disk.files["/patches/A & B.kvmp"] =

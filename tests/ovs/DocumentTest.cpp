@@ -53,6 +53,9 @@ TEST(Document, DrawsShapesWithFillAndPen) {
         {"wipe red; wipe none", 3, 3, 0},
         {"fill red opacity:0.5; rect 0,0,9,9", 3, 3, 0x80800000},
         {"fill [red opacity:0.5]; rect 0,0,9,9", 3, 3, 0x80800000},
+        {"fill pattern:[bounds 0,0,2,1; rect 0,0,1,1] transform:[scale 10]; rect 0,0,20,20", 9, 9, kBlack}, // sharp
+        {"fill pattern:[bounds 0,0,2,1; rect 0,0,1,1] transform:[scale 10]; rect 0,0,20,20", 10, 9, 0},
+        {"r=1; fill [ RGB($r, {1 - $r}, 0) ]; rect 0,0,9,9", 3, 3, kRed},
         {"fill blue; wipe gradient:[linear 0,0,0,0 from:blue to:RED]", 3, 3, kRed},
         {"fill gradient:[radial 10,10,5 stops:0,red,1,blue]; rect 0,0,20,20", 0, 0, kBlue},
         {"fill [gradient:[linear 0,0,1,0 stops:0,red,0.5,red,0.5,blue] relative:yes]; rect 10,0,10,9", 14, 4, kRed},

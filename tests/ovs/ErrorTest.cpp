@@ -154,6 +154,7 @@ TEST(Errors, OfDefinitionsTextAndImages) {
         {"define image a [bounds 0,0,9000,9000]", "Image too large: 9000 x 9000 pixels"},
         {"define image a [bounds 0,0,1,1] resolution:1e300", "Image too large: 1000000000 x 1000000000 pixels"},
         {"for i from:1 to:9 [define image a$i [bounds 0,0,8000,8000]]", "Image memory limit reached"},
+        {"fill none; pen red width:1e5 joints:curve; star 9,9,10000,9,1", "Drawing limit reached"},
         {"define font a []; define font a []", "Duplicate font definition: a"},
         {"font", "#Missing argument(s)"},
         {"font Nowhere", "Missing font: Nowhere"},

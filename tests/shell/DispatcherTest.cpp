@@ -17,6 +17,14 @@
 #include <unistd.h>
 #endif
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define MURMELON_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define MURMELON_SANITIZED 1
+#endif
+#endif
+
 using namespace Vst2;
 using testing::ElementsAre;
 
@@ -47,7 +55,7 @@ TEST(Entry, refusesHostsThatDoNotAnswer) {
               "Murmelon: audioMaster returned 0\nMurmelon: audioMaster returned 0\n");
 }
 
-#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which want all addresses there are
+#if !defined(_WIN32) && !defined(MURMELON_SANITIZED) // which wants all the addresses there are
 TEST(Entry, whereMemoryRunsOutThereIsNoEffectButStillAHost) {
     const auto enter = PluginHost::entry();
     const audioMasterCallback master = [](AEffect*, VstInt32 opcode, VstInt32, VstIntPtr, void*, float) {

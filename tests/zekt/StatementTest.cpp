@@ -16,6 +16,8 @@ TEST(Statement, endsAtLineEndsAndSemicolons) {
         {"trace [a;\nb] \"c;\n\" d\\;e", "[a;\nb] \"c;\n\" d\\;e\n"},
         {"trace \\\r\nx", "\\\r\nx\n"},
         {"trace last // no line end", "last\n"},
+        {"trace x\\ ;trace y\\\\ \ntrace \\\n \n", "x\\ \ny\\\\\n\\\n\n"},
+        {"show x\\ ; list x\\ ,y\\\\ ", "<x >\n<x ><y\\>\n"},
         {"trace", "\n"},
         {"\\", "SyntaxException: Invalid instruction [\\]"},
         {"x y = 1", "SyntaxException: Unrecognized instruction: x [x y = 1]"},

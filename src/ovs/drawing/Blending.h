@@ -18,6 +18,7 @@ public:
         : target_(target), source_(source), mask_(mask), opacity_(opacity),
           opaque_(source.isOpaque() && opacity == 255 && !masked) {}
 
+    unsigned steps() const { return source_.steps(); }
     void row(int y) {
         pixels_ = target_.row(y);
         source_.row(y);

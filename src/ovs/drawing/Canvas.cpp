@@ -19,6 +19,10 @@ unsigned opacityByte(double opacity) {
     return static_cast<unsigned>(std::lround(std::clamp(opacity, 0.0, 1.0) * 255.0));
 }
 
+std::uint64_t areaOf(const ConstSurfaceView& view) {
+    return static_cast<std::uint64_t>(view.width) * static_cast<std::uint64_t>(view.height);
+}
+
 // Halved in both directions, each pixel the mean of four: what pictures are drawn from when they are shown much
 // smaller than they are.
 Surface halved(const ConstSurfaceView& picture) {
@@ -50,10 +54,11 @@ struct Sampled {
     Surface reduced; // holds the pixels, where they had to be made
 };
 
-Sampled sampled(const ConstSurfaceView& picture, const Transform& toPicture) {
+Sampled sampled(const ConstSurfaceView& picture, const Transform& toPicture, Effort& effort) {
     Sampled result{picture, toPicture, {}};
     // Steps of two pixels and more would jump over some.
     while (result.toPicture.maxScale() >= 2.0 && std::max(result.picture.width, result.picture.height) > 1) {
+        effort.spend(4 * areaOf(result.picture));
         Surface half = halved(result.picture);
         const Transform shrink = Transform::scale(static_cast<double>(half.width()) / result.picture.width,
                                                   static_cast<double>(half.height()) / result.picture.height);
@@ -80,11 +85,25 @@ CoverageTable coverageTable(double gamma) {
 }
 
 struct RasteriserSink {
+    static constexpr unsigned kLinesAtOnce = 1024;
+
     Rasteriser& rasteriser;
+    Effort& effort;
+    unsigned lines = 0;
 
     void moveTo(Point p) { rasteriser.moveTo(p); }
-    void lineTo(Point p) { rasteriser.lineTo(p); }
+    void lineTo(Point p) {
+        rasteriser.lineTo(p);
+        if (++lines == kLinesAtOnce) {
+            spend();
+        }
+    }
+    void turnTo(Point p) { lineTo(p); }
     void close() { rasteriser.close(); }
+    void spend() {
+        effort.spend(lines * Effort::kPoint);
+        lines = 0;
+    }
 };
 
 } // namespace
@@ -104,9 +123,11 @@ Mask::Mask(const ConstSurfaceView& drawing, bool inverted, const Mask* outer)
 }
 
 struct Canvas::Workshop {
-    explicit Workshop(const SurfaceView& surface) : target(surface) {}
+    Workshop(const SurfaceView& surface, Effort* shared) : target(surface), effort(shared ? *shared : own) {}
 
     SurfaceView target;
+    Effort own{Effort::kEndless};
+    Effort& effort;
     Rasteriser rasteriser;
     double gamma = 1.0;
     CoverageTable coverage = coverageTable(1.0);
@@ -127,11 +148,13 @@ struct Canvas::Workshop {
     template <class Feed, class Blend>
     void rasterise(const IntRect& band, FillRule rule, const Feed& feed, Blend& blend) {
         rasteriser.begin(band);
-        RasteriserSink sink{rasteriser};
+        RasteriserSink sink{rasteriser, effort};
         feed(sink);
+        sink.spend();
         rasteriser.close();
         if (!rasteriser.full()) {
             rasteriser.sweep(rule, coverage, blend);
+            effort.spend(rasteriser.edgePixels() * Effort::kCell + rasteriser.sweptPixels() * blend.steps());
         } else if (band.height > 1) {
             const int half = band.height / 2;
             rasterise({band.x, band.y, band.width, half}, rule, feed, blend);
@@ -200,6 +223,7 @@ struct Canvas::Workshop {
         } else {
             strokeOutline(lines, pen, kTolerance / scale, outline);
         }
+        effort.spend((lines.points.size() + outline.points.size()) * Effort::kPoint);
     }
 
 private:
@@ -252,12 +276,13 @@ private:
         const Transform toTile = Transform::scale(tile.width / pattern.area.width,
                                                   tile.height / pattern.area.height) *
                                  Transform::offset(-pattern.area.x, -pattern.area.y) * toPaint;
-        const Sampled picture = sampled(tile, toTile);
+        const Sampled picture = sampled(tile, toTile, effort);
         use(PictureSource<Edges::repeat>(picture.picture, picture.toPicture), opacity);
     }
 };
 
-Canvas::Canvas(const SurfaceView& target) : target_(target), workshop_(std::make_unique<Workshop>(target)) {}
+Canvas::Canvas(const SurfaceView& target, Effort* effort)
+    : target_(target), workshop_(std::make_unique<Workshop>(target, effort)) {}
 
 Canvas::~Canvas() = default;
 
@@ -295,11 +320,14 @@ void Canvas::stroke(const Path& path, const Pen& pen, const DrawOptions& options
 }
 
 void Canvas::wipe(const Paint& paint, const DrawOptions& options) {
+    const std::uint64_t area = areaOf(target_);
     if (paint.isInvisible()) {
+        workshop_->effort.spend(area);
         replace(target_, SolidSource{kTransparent}, 255, options.mask);
         return;
     }
     workshop_->withSource(paint, Rect(), options.transform, [&](const auto& source, unsigned opacity) {
+        workshop_->effort.spend(area * source.steps());
         replace(target_, source, opacity, options.mask);
     });
 }
@@ -319,7 +347,7 @@ void Canvas::drawImage(const ConstSurfaceView& image, const Rect& area, double o
     }
     const Transform toImage = Transform::scale(image.width / area.width, image.height / area.height) *
                               Transform::offset(-area.x, -area.y) * *toUser;
-    const Sampled picture = sampled(image, toImage);
+    const Sampled picture = sampled(image, toImage, workshop_->effort);
     Path outline;
     outline.addRect(shown);
     const auto feed = [&](RasteriserSink& sink) { flatten(outline, options.transform, kTolerance, sink); };

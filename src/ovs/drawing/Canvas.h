@@ -2,6 +2,7 @@
 // belongs to it. Coordinates may be any numbers: what lies outside is cut off.
 #pragma once
 
+#include "drawing/Effort.h"
 #include "drawing/Paint.h"
 #include "drawing/Path.h"
 #include "drawing/Surface.h"
@@ -39,7 +40,8 @@ struct DrawOptions {
 
 class Canvas {
 public:
-    explicit Canvas(const SurfaceView& target);
+    // What is drawn is spent from `effort`, if there is one, and ends in an EffortError.
+    explicit Canvas(const SurfaceView& target, Effort* effort = nullptr);
     ~Canvas();
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;

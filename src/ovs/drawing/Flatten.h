@@ -1,5 +1,6 @@
-// Turns outlines into straight lines for a sink with moveTo(Point), lineTo(Point) and close(). Curves are cut into
-// equal steps of their parameter, as many as keep them within the tolerance.
+// Turns outlines into straight lines for a sink with moveTo(Point), lineTo(Point), turnTo(Point) and close(). Curves are
+// cut into equal steps of their parameter, as many as keep them within the tolerance; all but the last end in a turnTo():
+// there the outline has no corner.
 #pragma once
 
 #include "drawing/Path.h"
@@ -27,7 +28,7 @@ void flattenQuad(Point p0, Point p1, Point p2, double tolerance, Sink& sink) {
     const double by = 2.0 * (p1.y - p0.y);
     for (int i = 1; i < steps; ++i) {
         const double t = static_cast<double>(i) / steps;
-        sink.lineTo({p0.x + t * (bx + t * ax), p0.y + t * (by + t * ay)});
+        sink.turnTo({p0.x + t * (bx + t * ax), p0.y + t * (by + t * ay)});
     }
     sink.lineTo(p2);
 }
@@ -46,10 +47,69 @@ void flattenCubic(Point p0, Point p1, Point p2, Point p3, double tolerance, Sink
     const double cy = 3.0 * (p1.y - p0.y);
     for (int i = 1; i < steps; ++i) {
         const double t = static_cast<double>(i) / steps;
-        sink.lineTo({p0.x + t * (cx + t * (3.0 * ux + t * ax)), p0.y + t * (cy + t * (3.0 * uy + t * ay))});
+        sink.turnTo({p0.x + t * (cx + t * (3.0 * ux + t * ax)), p0.y + t * (cy + t * (3.0 * uy + t * ay))});
     }
     sink.lineTo(p3);
 }
+
+// Tells a sink that wants to know, by smooth() and, before close(), smoothStart(), of ends of curves that are no
+// corners either, since the outline goes on in the same direction.
+template <class Sink>
+class Smoothness {
+public:
+    explicit Smoothness(Sink& sink) : sink_(sink) {}
+
+    void begin() { arriving_ = first_ = {}; }
+
+    // Of the first and the last leg those with a length.
+    template <std::size_t count>
+    void pass(const Point (&points)[count]) {
+        if constexpr (kWanted) {
+            const Point leaving = direction(points, false);
+            if (isStraightOn(arriving_, leaving)) {
+                sink_.smooth();
+            }
+            first_ = first_ == Point() ? leaving : first_;
+            arriving_ = direction(points, true);
+        }
+    }
+
+    void close(Point at, Point start) {
+        if constexpr (kWanted) {
+            if (!(at == start)) {
+                pass({at, start});
+            }
+            if (isStraightOn(arriving_, first_)) {
+                sink_.smoothStart();
+            }
+        }
+    }
+
+private:
+    static constexpr bool kWanted = requires(Sink& sink) { sink.smooth(); };
+
+    template <std::size_t count>
+    static Point direction(const Point (&points)[count], bool last) {
+        const Point& end = last ? points[count - 1] : points[0];
+        const double sign = last ? -1.0 : 1.0;
+        for (std::size_t i = 1; i < count; ++i) {
+            const Point& other = last ? points[count - 1 - i] : points[i];
+            if (!(other == end)) {
+                return {sign * (other.x - end.x), sign * (other.y - end.y)};
+            }
+        }
+        return {};
+    }
+
+    static bool isStraightOn(Point u, Point v) {
+        constexpr double kNoCorner = 0.01; // half a degree
+        return std::abs(u.x * v.y - u.y * v.x) < kNoCorner * (u.x * v.x + u.y * v.y);
+    }
+
+    Sink& sink_;
+    Point arriving_;
+    Point first_;
+};
 
 // `tolerance` counts in the units that `transform` leads to.
 template <class Sink>
@@ -57,19 +117,25 @@ void flatten(const Path& path, const Transform& transform, double tolerance, Sin
     const Point* next = path.points().data();
     Point at;
     Point start;
+    Smoothness<Sink> smoothness(sink);
     for (const Path::Verb verb : path.verbs()) {
         switch (verb) {
         case Path::Verb::move:
             start = at = transform.apply(*next++);
             sink.moveTo(at);
+            smoothness.begin();
             break;
-        case Path::Verb::line:
-            at = transform.apply(*next++);
+        case Path::Verb::line: {
+            const Point to = transform.apply(*next++);
+            smoothness.pass({at, to});
+            at = to;
             sink.lineTo(at);
             break;
+        }
         case Path::Verb::quad: {
             const Point p1 = transform.apply(next[0]);
             const Point p2 = transform.apply(next[1]);
+            smoothness.pass({at, p1, p2});
             flattenQuad(at, p1, p2, tolerance, sink);
             at = p2;
             next += 2;
@@ -79,12 +145,14 @@ void flatten(const Path& path, const Transform& transform, double tolerance, Sin
             const Point p1 = transform.apply(next[0]);
             const Point p2 = transform.apply(next[1]);
             const Point p3 = transform.apply(next[2]);
+            smoothness.pass({at, p1, p2, p3});
             flattenCubic(at, p1, p2, p3, tolerance, sink);
             at = p3;
             next += 3;
             break;
         }
         case Path::Verb::close:
+            smoothness.close(at, start);
             sink.close();
             at = start;
             break;

@@ -239,8 +239,7 @@ void Path::addStar(Point centre, int points, double radius1, double radius2, dou
 
 void Path::append(const Path& other, const Transform& transform) {
     verbs_.insert(verbs_.end(), other.verbs_.begin(), other.verbs_.end());
-    points_.reserve(points_.size() + other.points_.size());
-    for (const Point p : other.points_) {
+    for (const Point p : other.points_) { // without reserve(), which would copy all before for each glyph of a text
         points_.push_back(transform.apply(p));
     }
     start_ = transform.apply(other.start_);

@@ -53,11 +53,15 @@ public:
     // Too much for the memory that a shape may take: what sweep() would show is not the shape.
     bool full() const { return cells_->total_cells() >= kMostBlocks * kCellsInBlock; }
 
+    std::uint64_t edgePixels() const { return cells_->total_cells(); }
+    std::uint64_t sweptPixels() const { return swept_; } // between edges, in the last sweep
+
     // Calls blend.row(y), then blend.cell(x, coverage) and blend.span(x, length, coverage) from left to right,
     // all inside the clip.
     template <class Blend>
     void sweep(FillRule rule, const CoverageTable& table, Blend& blend) {
         close();
+        swept_ = 0;
         cells_->sort_cells();
         if (cells_->total_cells() == 0) {
             return;
@@ -82,8 +86,9 @@ private:
 
     static constexpr unsigned kMostBlocks = 1024;
     static constexpr unsigned kCellsInBlock = 4096;
-    // Far outside any surface, and safe to multiply.
-    static constexpr double kFarthest = 1e8;
+    // Far outside any surface, and still near enough for a line from there to be clipped to the pixel. A point
+    // beyond is moved, and the lines to it turn.
+    static constexpr double kFarthest = 1e12;
     static constexpr int kFull = 255;
     // Twice the area of a pixel in its 256 x 256 parts, down to 0..256.
     static constexpr int kAreaShift = 9;
@@ -122,7 +127,7 @@ private:
     }
 
     template <FillRule rule, class Blend>
-    void sweepRow(const Cell* const* cells, unsigned count, const CoverageTable& table, Blend& blend) const {
+    void sweepRow(const Cell* const* cells, unsigned count, const CoverageTable& table, Blend& blend) {
         const int right = clip_.x + clip_.width;
         const Cell* const* const end = cells + count;
         int cover = 0;
@@ -148,6 +153,7 @@ private:
                 if (next > x) {
                     if (const unsigned shown = coverage<rule>(cover * 512, table)) {
                         blend.span(x, next - x, shown);
+                        swept_ += static_cast<unsigned>(next - x);
                     }
                 }
             }
@@ -159,6 +165,7 @@ private:
     IntRect clip_;
     Point start_;
     bool open_ = false;
+    std::uint64_t swept_ = 0;
 };
 
 } // namespace Drawing

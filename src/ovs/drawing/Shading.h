@@ -1,5 +1,5 @@
 // Where the colour of a pixel comes from. Each source has row(y), then at(x) for pixels of that row, inlined into the
-// loops that blend: there is no call a pixel.
+// loops that blend: there is no call a pixel. steps() is what a pixel costs.
 #pragma once
 
 #include "drawing/Paint.h"
@@ -13,6 +13,7 @@ namespace Drawing {
 struct SolidSource {
     Pixel colour;
 
+    static unsigned steps() { return 1; }
     bool isOpaque() const { return alphaOf(colour) == 255; }
     void row(int) {}
     Pixel at(int) const { return colour; }
@@ -28,6 +29,7 @@ public:
         : table_(table), opaque_(opaque), atX_(limited(atX)), atY_(limited(atY)), at0_(limited(at0)),
           step_(static_cast<std::int64_t>(atX_ * kUnit)) {}
 
+    static unsigned steps() { return 2; }
     bool isOpaque() const { return opaque_; }
     void row(int y) { start_ = static_cast<std::int64_t>((atX_ * 0.5 + atY_ * (y + 0.5) + at0_) * kUnit); }
     Pixel at(int x) const {
@@ -61,6 +63,7 @@ public:
         : table_(table), opaque_(opaque), toUnit_(toUnit), stepX_(static_cast<float>(toUnit.a * kSize)),
           stepY_(static_cast<float>(toUnit.b * kSize)) {}
 
+    static unsigned steps() { return 8; }
     bool isOpaque() const { return opaque_; }
     void row(int y) {
         const Point start = toUnit_.apply({0.5, y + 0.5});
@@ -99,6 +102,7 @@ public:
                    isNear(toPicture.d, 1.0) && isNear(toPicture.e, std::round(toPicture.e)) &&
                    isNear(toPicture.f, std::round(toPicture.f))) {}
 
+    unsigned steps() const { return aligned_ ? 8 : 32; }
     bool isOpaque() const { return false; }
     void row(int y) { start_ = toPicture_.apply({0.5, y + 0.5}); }
     Pixel at(int x) const {

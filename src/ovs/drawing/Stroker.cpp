@@ -19,6 +19,9 @@ constexpr double kFinestStep = 0.125;
 // Wider strokes, in the units of that scale, are rounded off no finer.
 constexpr double kWidestFineStroke = 1e5;
 
+// What a dash without length is long, of the width of the pen: a direction, and nothing to be seen.
+constexpr double kLittle = 1e-6;
+
 // Beyond, sums of squares would leave the range of numbers.
 constexpr double kWidest = 1e9;
 constexpr double kFarthest = 1e12;
@@ -34,24 +37,28 @@ struct OutlineSink {
 
 class Stroker {
 public:
-    Stroker(const Pen& pen, double tolerance, Polylines& outline) : caps_(pen.caps), sink_{outline} {
+    Stroker(const Pen& pen, double tolerance, Polylines& outline)
+        : caps_(pen.caps), joints_(pen.joints == Joints::bevel   ? agg::bevel_join
+                                   : pen.joints == Joints::curve ? agg::round_join
+                                                                 : agg::miter_join_revert),
+          sink_{outline} {
         math_.width(std::min(pen.width, kWidest));
         math_.line_cap(pen.caps == Caps::butt     ? agg::butt_cap
                        : pen.caps == Caps::square ? agg::square_cap
                                                   : agg::round_cap);
-        math_.line_join(pen.joints == Joints::bevel   ? agg::bevel_join
-                        : pen.joints == Joints::curve ? agg::round_join
-                                                      : agg::miter_join_revert);
         math_.inner_join(agg::inner_jag);
         math_.miter_limit(pen.miterLimit);
         const double finest = kWidestFineStroke / pen.width;
         math_.approximation_scale(std::max(1e-9, std::min(kFinestStep / tolerance, finest)));
     }
 
-    void stroke(const Point* points, std::size_t count, bool closed) {
+    void stroke(const Polylines& lines, const Polylines::Contour& contour) {
+        const Point* const points = lines.points.data() + contour.first;
+        const std::size_t count = contour.count;
+        const bool closed = contour.closed;
         vertices_.clear();
         for (std::size_t i = 0; i < count; ++i) {
-            add(points[i]);
+            add(points[i], lines.turns[contour.first + i]);
         }
         if (closed && vertices_.size() > 1) {
             auto& last = vertices_.back();
@@ -71,19 +78,25 @@ public:
     }
 
 private:
+    struct Vertex : agg::vertex_dist {
+        bool turn;
+    };
+
     // A vertex knows the distance to the next one; two in the same place are one.
-    void add(Point p) {
+    void add(Point p, bool turn) {
         if (!(std::abs(p.x) < kFarthest && std::abs(p.y) < kFarthest)) {
             return;
         }
-        const agg::vertex_dist vertex(p.x, p.y);
+        const Vertex vertex{{p.x, p.y}, turn};
         if (!vertices_.empty() && !vertices_.back()(vertex)) {
+            vertices_.back().turn = vertices_.back().turn && turn;
             return;
         }
         vertices_.push_back(vertex);
     }
 
     void join(std::size_t before, std::size_t at, std::size_t after, double lengthBefore, double lengthAfter) {
+        math_.line_join(vertices_[at].turn ? agg::round_join : joints_);
         math_.calc_join(sink_, vertices_[before], vertices_[at], vertices_[after], lengthBefore, lengthAfter);
     }
 
@@ -130,9 +143,10 @@ private:
     }
 
     Caps caps_;
+    agg::line_join_e joints_;
     OutlineSink sink_;
     agg::math_stroke<OutlineSink> math_;
-    std::vector<agg::vertex_dist> vertices_;
+    std::vector<Vertex> vertices_;
 };
 
 double lengthOf(const Polylines& lines) {
@@ -151,46 +165,70 @@ class Dasher {
 public:
     Dasher(const Pen& pen, Polylines& dashes) : pen_(pen), dashes_(dashes) {}
 
-    void cut(const Point* points, std::size_t count, bool closed) {
+    void cut(const Polylines& lines, const Polylines::Contour& contour) {
+        const Point* const points = lines.points.data() + contour.first;
+        const std::size_t count = contour.count;
+        const std::size_t first = dashes_.contours.size();
         begin(points[0]);
+        const bool beganOn = on_;
         for (std::size_t i = 1; i < count; ++i) {
-            walk(points[i - 1], points[i]);
+            walk(points[i - 1], points[i], lines.turns[contour.first + i]);
         }
-        if (closed) {
-            walk(points[count - 1], points[0]);
+        if (contour.closed) {
+            walk(points[count - 1], points[0], false);
+            if (beganOn && on_) {
+                joinEnds(first);
+            }
         }
     }
 
 private:
+    // The dash that runs into the beginning of a closed line goes on as the first one.
+    void joinEnds(std::size_t first) {
+        if (first + 1 == dashes_.contours.size()) {
+            dashes_.close();
+            return;
+        }
+        Polylines::Contour& beginning = dashes_.contours[first];
+        for (std::size_t i = 1; i < beginning.count; ++i) {
+            const Point p = dashes_.points[beginning.first + i];
+            dashes_.add(p, dashes_.turns[beginning.first + i]);
+        }
+        beginning.count = 0;
+    }
+
     void begin(Point start) {
         const double period = pen_.dash + pen_.gap;
         double phase = std::fmod(pen_.dashOffset, period);
         phase = phase < 0.0 ? phase + period : phase;
-        on_ = phase < pen_.dash;
+        on_ = phase < pen_.dash || phase == 0.0; // a dash without length may begin here
         left_ = on_ ? pen_.dash - phase : period - phase;
         if (on_) {
             dashes_.moveTo(start);
         }
     }
 
-    void walk(Point from, Point to) {
+    void walk(Point from, Point to, bool turn) {
         const double length = std::hypot(to.x - from.x, to.y - from.y);
         double done = 0.0;
         while (length - done > left_) {
             done += left_;
             const double part = done / length;
             const Point at = {from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
-            if (on_) {
-                dashes_.lineTo(at);
-            } else {
+            if (!on_) {
                 dashes_.moveTo(at);
+            } else if (pen_.dash > 0.0) {
+                dashes_.lineTo(at);
+            } else { // its caps are turned as the line is
+                const double little = kLittle * pen_.width / length;
+                dashes_.lineTo({at.x + (to.x - from.x) * little, at.y + (to.y - from.y) * little});
             }
             on_ = !on_;
             left_ = on_ ? pen_.dash : pen_.gap;
         }
         left_ -= length - done;
         if (on_) {
-            dashes_.lineTo(to);
+            dashes_.add(to, turn);
         }
     }
 
@@ -205,7 +243,7 @@ private:
 void strokeOutline(const Polylines& lines, const Pen& pen, double tolerance, Polylines& outline) {
     Stroker stroker(pen, tolerance, outline);
     for (const auto& contour : lines.contours) {
-        stroker.stroke(lines.points.data() + contour.first, contour.count, contour.closed);
+        stroker.stroke(lines, contour);
     }
 }
 
@@ -217,7 +255,7 @@ void cutIntoDashes(const Polylines& lines, const Pen& pen, Polylines& dashes) {
     }
     Dasher dasher(pen, dashes);
     for (const auto& contour : lines.contours) {
-        dasher.cut(lines.points.data() + contour.first, contour.count, contour.closed);
+        dasher.cut(lines, contour);
     }
 }
 

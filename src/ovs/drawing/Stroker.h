@@ -1,6 +1,7 @@
 // Turns lines into the outlines of pen strokes: width, caps, joints, dashes.
 #pragma once
 
+#include "drawing/Effort.h"
 #include "drawing/Paint.h"
 #include "drawing/Path.h"
 
@@ -9,7 +10,8 @@
 
 namespace Drawing {
 
-// Straight lines, contour after contour. A sink for flatten().
+// Straight lines, contour after contour. A sink for flatten(). Ends in an EffortError rather than in the machine's
+// memory.
 struct Polylines {
     struct Contour {
         std::size_t first = 0;
@@ -18,6 +20,7 @@ struct Polylines {
     };
 
     std::vector<Point> points;
+    std::vector<bool> turns; // whether a point is on a curve that goes on: no corner, whatever the angle
     std::vector<Contour> contours;
 
     void moveTo(Point p) {
@@ -25,13 +28,21 @@ struct Polylines {
         add(p);
     }
     void lineTo(Point p) { add(p); }
+    void turnTo(Point p) { add(p, true); }
+    void smooth() { turns.back() = true; }
+    void smoothStart() { turns[contours.back().first] = true; }
     void close() { contours.back().closed = true; }
-    void add(Point p) {
+    void add(Point p, bool turn = false) {
+        if (points.size() == Effort::kMostPoints) {
+            throw EffortError();
+        }
         points.push_back(p);
+        turns.push_back(turn);
         ++contours.back().count;
     }
     void clear() {
         points.clear();
+        turns.clear();
         contours.clear();
     }
 };

@@ -233,7 +233,7 @@ ViewType captionType() {
 ViewType bubbleType() {
     return {
         "bubble",
-        "A note beside the mouse while it rests over a view with a hint. Without a text it shows the hint.",
+        "A note beside the mouse while it rests over a view with a hint, until a click. Without a text it shows the hint.",
         {kText, kBubble, kBox},
         make<Bubble>};
 }

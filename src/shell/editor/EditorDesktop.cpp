@@ -82,7 +82,9 @@ Platform::FileDialogRequest requestOf(const Bridge::FileQuestion& question, Plat
     const bool saving = question.kind == Bridge::FileQuestion::Kind::save;
     request.kind = saving ? Platform::FileDialogRequest::Kind::save : Platform::FileDialogRequest::Kind::open;
     request.title = question.title;
-    request.folder = saving ? question.proposed.parent_path() : question.proposed;
+    std::error_code unknown;
+    const bool startsInFolder = !saving && std::filesystem::is_directory(question.proposed, unknown);
+    request.folder = startsInFolder ? question.proposed : question.proposed.parent_path();
     if (saving) {
         request.fileName = Model::toUtf8(question.proposed.filename());
     }

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <exception>
 #include <new>
+#include <utility>
 
 namespace Shell {
 
@@ -241,8 +242,17 @@ void EffectInstance::setClipboardText(const std::string& text) {
 }
 
 void EffectInstance::currentPatchReplaced() {
+    const auto lock = lockState();
     replacements_.fetch_add(1, std::memory_order_relaxed);
-    host_.updateDisplay();
+    displayIsOutdated_ = true;
+}
+
+void EffectInstance::unlockState() const noexcept {
+    const bool tell = --stateLocks_ == 0 && std::exchange(displayIsOutdated_, false);
+    stateMutex_.unlock();
+    if (tell) {
+        host_.updateDisplay();
+    }
 }
 
 } // namespace Shell

@@ -89,15 +89,30 @@ public:
     void storeStartupBank();
     void forgetStartupBank();
 
+    // Both are changed under lockState() only: they are part of the chunks.
     Model::MidiConfigController& midiConfigs() { return midiConfigs_; }
     const Model::MidiConfigController& midiConfigs() const { return midiConfigs_; }
-    Model::Preferences& preferences() { return preferences_; }
     Model::KeptVariables& keptVariables() { return keptVariables_; }
     const Model::KeptVariables& keptVariables() const { return keptVariables_; }
 
-    [[nodiscard]] std::unique_lock<std::recursive_mutex> lockState() const {
-        return std::unique_lock(stateMutex_);
-    }
+    Model::Preferences& preferences() { return preferences_; }
+
+    // Held for as long as it lives. What the host is to be told of what has been done meanwhile, it is told when
+    // the last one goes: it may wait for a thread of its own then, which waits for the state.
+    class [[nodiscard]] StateLock {
+    public:
+        explicit StateLock(const EffectInstance& effect) : effect_(effect) {
+            effect_.stateMutex_.lock();
+            ++effect_.stateLocks_;
+        }
+        ~StateLock() { effect_.unlockState(); }
+        StateLock(const StateLock&) = delete;
+        StateLock& operator=(const StateLock&) = delete;
+
+    private:
+        const EffectInstance& effect_;
+    };
+    StateLock lockState() const { return StateLock(*this); }
 
     // --- Sound
 
@@ -135,6 +150,7 @@ private:
 
     void start();
     template <typename Step> void attempt(Step step);
+    void unlockState() const noexcept;
 
     Host& host_;
     const Surroundings surroundings_;
@@ -142,6 +158,8 @@ private:
     EditorServices* services_ = nullptr;
     std::string ownClipboard_; // while there is no editor
     mutable std::recursive_mutex stateMutex_;
+    mutable int stateLocks_ = 0;           // that are held, one within another
+    mutable bool displayIsOutdated_ = false; // the host does not know yet
     std::deque<std::string> reports_;
     std::string lastReport_;
     std::atomic<unsigned> replacements_{0};
