@@ -1,5 +1,6 @@
 #include "platform/AtomicFileWrite.h"
 
+#include "platform/FileSync.h"
 #include "platform/PathText.h"
 
 #include <atomic>
@@ -85,7 +86,7 @@ void atomicFileWrite(const fs::path& path, std::string_view contents) {
         std::ofstream file(temporary, std::ios::binary);
         file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
         file.close();
-        if (!file) {
+        if (!file || (temporary != path && !syncFile(temporary))) {
             fail(path, std::error_code(errno, std::generic_category()).message());
         }
     });

@@ -1,4 +1,4 @@
-// Writes files so that nobody ever sees half of one: beside the target, flushed, then renamed over it.
+// Writes files so that nobody ever sees half of one: beside the target, brought to the disk, then renamed over it.
 #pragma once
 
 #include <filesystem>
@@ -13,8 +13,8 @@ namespace Platform {
 void atomicFileWrite(const std::filesystem::path& path, std::string_view contents);
 
 // The same for writers that need a path of their own: `write` is handed the path to write to, in general that of
-// a temporary file, which keeps the target's extension, and reports failure by throwing. It may make
-// a folder there, for a target that does not exist.
+// a temporary file, which keeps the target's extension, and reports failure by throwing. It may make a folder
+// there, for a target that does not exist.
 void atomicFileWrite(const std::filesystem::path& path,
                      const std::function<void(const std::filesystem::path& temporary)>& write);
 

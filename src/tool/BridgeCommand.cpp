@@ -6,6 +6,7 @@
 #include "bridge/NumberText.h"
 #include "metatext/MetaText.h"
 #include "notation/Quoting.h"
+#include "tool/ErrorLine.h"
 #include "tool/WindowlessEffect.h"
 
 #include <CLI/CLI.hpp>
@@ -186,12 +187,6 @@ private:
     AnsweringDesktop desktop_{windowless_};
     double phase_ = 0; // of the sine, in turns
 };
-
-// An answer is one line.
-std::string oneLine(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-}
 
 void run(const std::string& preferences) {
     Session session(preferences);

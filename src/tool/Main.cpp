@@ -1,6 +1,7 @@
 // Entry of the `murmelon` command. Exit 0: done. 1: it failed, and standard error says why in one line
 // "error: MESSAGE". 2: wrong usage.
 #include "tool/Commands.h"
+#include "tool/ErrorLine.h"
 
 #include "platform/ThisProgram.h"
 
@@ -74,9 +75,15 @@ int main(int argc, char** argv) {
         const int status = run(argc, argv);
         finishOutput();
         return status;
+    } catch (const Tool::ScriptFailure& error) {
+        std::cout.flush();
+        std::cerr << "error: " << Tool::oneLine(error.what()) << '\n';
+        if (!error.statement().empty()) {
+            std::cerr << "in: " << Tool::oneLine(error.statement()) << '\n';
+        }
     } catch (const std::exception& error) {
         std::cout.flush();
-        std::cerr << "error: " << error.what() << '\n';
+        std::cerr << "error: " << Tool::oneLine(error.what()) << '\n';
     } catch (...) {
         std::cerr << "error: Unexpected error\n";
     }

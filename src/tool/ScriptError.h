@@ -1,19 +1,15 @@
-// How the command reports a script that failed: class and message, then the statement on a line of its own.
+// How the command reports a script that failed: class and message, and the statement.
 #pragma once
 
+#include "tool/ErrorLine.h"
 #include "zekt/Errors.h"
 
-#include <stdexcept>
 #include <string>
 
 namespace Tool {
 
 [[noreturn]] inline void reportScriptError(const ZEKT::Exception& error) {
-    std::string report = std::string(error.className()).append(": ").append(error.what());
-    if (!error.statement().empty()) {
-        report.append("\nin: ").append(error.statement());
-    }
-    throw std::runtime_error(report);
+    throw ScriptFailure(std::string(error.className()).append(": ").append(error.what()), error.statement());
 }
 
 } // namespace Tool

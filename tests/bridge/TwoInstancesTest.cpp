@@ -89,7 +89,7 @@ TEST(Project, IsSavedWhileTheUserWorks) {
         const std::string number = std::to_string(i % 50);
         effect.write("project.x" + number, i % 2 ? std::string(100, 'x') : "");
         effect.write("program.x" + number, i % 3 ? std::string(100, 'x') : "");
-        effect.act("changeMidiConfig", "sourcePath: " + std::string(i % 7 * 50, 'p') + "x");
+        effect.act("changeMidiConfig", "sourcePath: " + std::string(static_cast<std::size_t>(i % 7 * 50), 'p') + "x");
         effect.act("midiAssign", "variable: params.mix, cc: " + number);
         effect.act("midiAssign", "variable: params.mix, unassign: true");
         effect.dialogAnswer = "folder/" + std::string(200, i % 2 ? 'a' : 'b');

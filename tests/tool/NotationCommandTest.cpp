@@ -34,6 +34,7 @@ TEST_F(NotationCommandTest, stackbracePrintsWhatTheReaderFinds) {
         {"integer", "0x1F\n", 0, "31\n"},
         {"integer", "-99999999999", 0, "-2147483648\n"},
         {"integer", "abc\r\n", 1, "", "error: Invalid number: abc\n"},
+        {"integer", "a\nb", 1, "", "error: Invalid number: a b\n"}, // one line
         {"float", "0.1", 0, "0.1\n"},
         {"double", "0.1000000000000000055 Hz", 0, "0.1\n"},
         {"double", "x", 1, "", "error: Invalid number: x\n"},
