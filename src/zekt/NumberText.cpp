@@ -15,13 +15,25 @@ namespace {
 constexpr int kDigits = 13;
 constexpr double kLargestInteger = 1e13; // below, an integer's text has all its digits
 
-// from_chars does not tell too large from too small: whether the first digit that counts stands left of the
-// point.
+// from_chars does not tell too large from too small. Of a number that is one of them: by how many places the
+// first digit that counts stands left of the point, the exponent taken in.
 bool isLarge(std::string_view digits) {
     const std::size_t mark = std::min(digits.size(), digits.find_first_of("eE"));
-    std::string_view exponent = digits.substr(std::min(digits.size(), mark + 1));
-    const bool negative = exponent.starts_with('-');
-    return !negative && digits.find_first_of("123456789") < mark;
+    const std::string_view mantissa = digits.substr(0, mark);
+    const auto point = static_cast<std::int64_t>(std::min(mantissa.size(), mantissa.find('.')));
+    const auto first = static_cast<std::int64_t>(std::min(mantissa.size(), mantissa.find_first_not_of("0.")));
+    std::string_view exponentDigits = digits.substr(std::min(digits.size(), mark + 1));
+    const bool negative = exponentDigits.starts_with('-');
+    if (negative || exponentDigits.starts_with('+')) {
+        exponentDigits.remove_prefix(1);
+    }
+    std::int64_t exponent = 0;
+    const auto read =
+        std::from_chars(exponentDigits.data(), exponentDigits.data() + exponentDigits.size(), exponent);
+    if (read.ec == std::errc::result_out_of_range) {
+        return !negative;
+    }
+    return point - first + (negative ? -exponent : exponent) > 0;
 }
 
 double readExactly(std::string_view text) {
@@ -111,6 +123,21 @@ std::string_view fractionText(Decimal decimal, bool negative, char* buffer) {
     return {buffer, static_cast<std::size_t>(out - buffer)};
 }
 
+Numeric readMagnitude(std::string_view text, double& value) {
+    if (text.empty() || (!Lexical::isDigit(text[0]) && text[0] != '.')) {
+        return Numeric::no; // from_chars knows signs and "inf", too
+    }
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
+        return Numeric::no;
+    }
+    if (error == std::errc::result_out_of_range) {
+        value = 0;
+        return isLarge(text) ? Numeric::overflow : Numeric::yes;
+    }
+    return Numeric::yes;
+}
+
 } // namespace
 
 std::size_t numberLength(std::string_view text) {
@@ -148,22 +175,12 @@ Numeric readNumber(std::string_view text, double& value) {
     if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
     }
-    if (text.empty() || (!Lexical::isDigit(text[0]) && text[0] != '.')) {
-        return Numeric::no; // from_chars knows "inf", too
-    }
     double magnitude = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), magnitude);
-    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
-        return Numeric::no;
+    const Numeric read = readMagnitude(text, magnitude);
+    if (read == Numeric::yes) {
+        value = negative ? -magnitude : magnitude;
     }
-    if (error == std::errc::result_out_of_range) {
-        if (isLarge(text)) {
-            return Numeric::overflow;
-        }
-        magnitude = 0;
-    }
-    value = negative ? -magnitude : magnitude;
-    return Numeric::yes;
+    return read;
 }
 
 double toNumber(std::string_view text) {

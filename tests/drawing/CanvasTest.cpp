@@ -124,6 +124,8 @@ TEST(Canvas, StrokesAreAsLargeAsThePenMakesThem) {
         {"M10 50H60V80", pen(4, Caps::butt, Joints::bevel), 200 + 120 - 4 + 2},
         {"M10 50H60V80", pen(4, Caps::butt, Joints::curve), 200 + 120 - 4 + pi},
         {"M20 20H60V60H20Z", pen(4, Caps::butt, Joints::miter), 44 * 44 - 36 * 36},
+        {"M10 50H60Z", pen(4, Caps::square, Joints::miter), 200}, // there and back: no end that had a cap
+        {"M10 50H60Z", pen(4, Caps::butt, Joints::curve), 200 + 4 * pi},
         {"M50 50H50", pen(8, Caps::round, Joints::miter), 16 * pi},
         {"M50 50Z", pen(8, Caps::square, Joints::miter), 64},
         {"M50 50H50", pen(8, Caps::butt, Joints::miter), 0},

@@ -84,6 +84,8 @@ TEST(Colour, SaysWhatIsWrong) {
         {"rgb(0,0,0,1,1)", "Too many list elements (got 5, expected at most 4)"},
         {"hsv(0,0,x)", "Invalid number: x"},
         {"rgb(,0,0)", "Invalid number: "},
+        {"rgb(0,0,1e999)", "Number overflow"},
+        {"rgb(0,0,+-1)", "Invalid number: +-1"},
         {"rgb(nan,0,0)", "Invalid number: nan"},
         {"rgb(1,0,1.5)", "rgb value number 3 out of range [0..1]: 1.5"},
         {"hsv(-0.1,0,0)", "hsv value number 1 out of range [0..1]: -0.1"},

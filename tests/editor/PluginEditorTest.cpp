@@ -33,7 +33,7 @@ protected:
 
     // The host's clock.
     void idle(int times) {
-        for (int i = 0; i < times; ++i) {
+        for (int i = 0; i < times && host_; ++i) {
             host_.call(effEditIdle);
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -133,6 +133,31 @@ TEST_F(PluginEditorTest, EscapeCallsADragOff) {
     idle(2);
     EXPECT_EQ(host_.get(kPitch), 0.5f);
     EXPECT_EQ(host_.told(audioMasterBeginEdit).size(), host_.told(audioMasterEndEdit).size());
+}
+
+TEST_F(PluginEditorTest, TheHostMayCloseItFromWithinTheCallsItGets) {
+    for (const VstInt32 told : {audioMasterBeginEdit, audioMasterAutomate, audioMasterEndEdit}) {
+        open();
+        bool closed = false;
+        host_.whenTold = [&](VstInt32 opcode) {
+            if (opcode == told && !closed) {
+                closed = true;
+                host_.call(effEditClose);
+            }
+        };
+        drag(kKnobX, kKnobY, -45, 3);
+        EXPECT_TRUE(closed);
+        host_.whenTold = nullptr;
+        client_.destroy(window_);
+    }
+    open();
+    host_.whenTold = [&](VstInt32 opcode) {
+        if (opcode == audioMasterAutomate && host_) {
+            host_.close();
+        }
+    };
+    drag(kKnobX, kKnobY, 45, 3);
+    EXPECT_FALSE(host_);
 }
 
 TEST_F(PluginEditorTest, OpensAndClosesAgainAndAgainAndSurvivesItsParent) {

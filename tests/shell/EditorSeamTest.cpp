@@ -17,6 +17,7 @@ namespace {
 
 std::vector<std::string> happened; // a line each
 std::function<void()> trouble;     // when the editor opens
+std::function<void()> meanwhile;   // what the host does while the editor is idle
 
 struct NotingEditor final : Editor {
     ~NotingEditor() override { happened.push_back("gone"); }
@@ -25,7 +26,13 @@ struct NotingEditor final : Editor {
         trouble ? trouble() : happened.push_back("open " + std::to_string(reinterpret_cast<std::intptr_t>(parent)));
     }
     void close() noexcept override { happened.push_back("close"); }
-    void idle() override { happened.push_back("idle"); }
+    void idle() override {
+        happened.push_back("idle");
+        if (meanwhile) {
+            meanwhile();
+            happened.push_back("idle no more");
+        }
+    }
     bool keyDown(const Platform::KeyEvent& key) override { return key.character != U' '; }
 };
 
@@ -41,6 +48,7 @@ struct EditorSeam : testing::Test {
     EditorSeam() {
         happened.clear();
         trouble = {};
+        meanwhile = {};
     }
     static AEffect* make(EditorFactory factory) {
         return createVst2Effect(answer, {.factoryBank = {}, .makeEditor = factory, .showError = shown});
@@ -71,6 +79,17 @@ TEST_F(EditorSeam, theEditorIsDriven) {
     EXPECT_EQ(call(effect, effEditClose), 1);
     EXPECT_EQ(call(effect, effClose), 1);
     EXPECT_THAT(happened, ElementsAre("open 77", "idle", "close", "close", "gone"));
+}
+
+TEST_F(EditorSeam, theHostMayCloseTheEffectFromWithinACall) {
+    AEffect* const effect = withEditor();
+    call(effect, effEditOpen);
+    meanwhile = [&] {
+        EXPECT_EQ(call(effect, effClose), 1);
+        EXPECT_EQ(call(effect, effEditIdle), 0); // closed it is
+    };
+    EXPECT_EQ(call(effect, effEditIdle), 1);
+    EXPECT_THAT(happened, ElementsAre("open 0", "idle", "close", "idle no more", "gone"));
 }
 
 TEST_F(EditorSeam, troubleIsShownAndTheEffectLivesOn) {

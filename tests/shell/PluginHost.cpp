@@ -89,6 +89,9 @@ VstIntPtr PluginHost::answer(VstInt32 opcode, VstInt32 index, void* ptr, float o
         return time ? reinterpret_cast<VstIntPtr>(&*time) : 0;
     default:
         everythingTold.push_back({opcode, index, opt, processing_.load() == std::this_thread::get_id()});
+        if (whenTold) {
+            whenTold(opcode);
+        }
         return 0;
     }
 }

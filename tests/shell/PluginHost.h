@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -77,6 +78,7 @@ public:
     Vst2::AEffect* effect = nullptr;
     std::optional<Vst2::VstTimeInfo> time;
     std::vector<Told> everythingTold; // but questions
+    std::function<void(Vst2::VstInt32 opcode)> whenTold;
     Answers answers;
 
 private:

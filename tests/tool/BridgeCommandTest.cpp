@@ -269,6 +269,26 @@ TEST_F(BridgeCommandTest, MidiConfigurationAndLearning) {
     });
 }
 
+TEST_F(BridgeCommandTest, WhatTeachesDoesNothingElse) {
+    expectDialogue({
+        {"do midiAssign { variable: params.mix, cc: 20 }", "ok"},
+        {"do midiAssign { variable: params.pitch, learn: true }", "ok"},
+        {"midi 176 20 0", "ok"},
+        {"process 512", "ok"}, // the mix stays
+        {"get midiConfig.cc.20", "\"pitch\""},
+        {"midi 176 20 127", "ok"},
+        {"process 512", "host: automate 0 1\nok"},
+        {"do changeMidiConfig { programKeysEnabled: true }", "ok"},
+        {"do midiAssign { variable: midiConfig.programKeys.baseNoteNumber, learn: true }", "ok"},
+        {"midi 144 62 100", "ok"},
+        {"process 512", "ok"},
+        {"get programNumber", "\"1\""},
+        {"midi 144 63 100", "ok"},
+        {"process 512", "host: updateDisplay\nok"},
+        {"get programNumber", "\"2\""},
+    });
+}
+
 TEST_F(BridgeCommandTest, MidiConfigurationShowsInMenus) {
     expectDialogue({
         {"checked changeMidiConfig { inputChannel: any }", "true"},

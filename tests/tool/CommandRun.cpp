@@ -141,6 +141,7 @@ CommandTest::CommandTest()
 
 // The command itself keeps settings only where it is told to; a plug-in that it loads has its own.
 void CommandTest::SetUp() {
+    fs::remove_all(folder_); // of an earlier process with this number, which was killed
     fs::create_directories(folder_);
     setVariable("XDG_CONFIG_HOME", folder_);
     setVariable("XDG_DATA_HOME", folder_);

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <set>
 #include <sstream>
 
 using TestSound::samplesOf;
@@ -137,6 +138,16 @@ TEST_F(RenderCommandTest, handsMonoToBothChannels) {
     EXPECT_EQ(linesOf(read("log"), "rate"), std::vector<std::string>{"rate 8000"});
 }
 
+#if defined(_WIN32) // whose sound library comes without that coder
+TEST_F(RenderCommandTest, saysThatItWritesNoFlac) {
+    write("in.wav", wav(kRate, 1, {0.5f}));
+    write("out.flac", "precious");
+    const auto failed = probe({}, "out.flac");
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(failed.errors, "error: Could not write out.flac: File contains data in an unimplemented format.\n");
+    EXPECT_EQ(read("out.flac"), "precious");
+}
+#else
 TEST_F(RenderCommandTest, writesFlacThatClips) {
     write("in.wav", wav(kRate, 1, {0.5f, 2.0f, -3.0f, -0.25f}));
     EXPECT_EQ(probe({"--compensate"}, "out.FLAC").errors, "");
@@ -145,6 +156,7 @@ TEST_F(RenderCommandTest, writesFlacThatClips) {
     const float most = 1 - 1.0f / (1 << 23);
     EXPECT_EQ(mono(samplesOf(read("again.wav"))), (std::vector<float>{0.5f, most, -1, -0.25f}));
 }
+#endif
 
 TEST_F(RenderCommandTest, playsMidiAtItsSamplesWhateverTheBlock) {
     write("in.wav", wav(kRate, 1, std::vector<float>(kRate)));
@@ -279,7 +291,11 @@ TEST_F(RenderCommandTest, failsWithoutLeavingOrHarmingAnything) {
     EXPECT_EQ(run({"render", "text", "out.wav", "--plugin", MURMELON_PROBE}).errors,
               "error: Could not read text: Format not recognised.\n");
     EXPECT_EQ(read("out.wav"), "precious");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 7);
+    std::set<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+        left.insert(entry.path().filename().string());
+    }
+    EXPECT_THAT(left, testing::ElementsAre(".errors", ".input", ".output", "in.wav", "log", "out.wav", "text"));
     for (const std::vector<std::string>& wrong : {std::vector<std::string>{"--block", "0"},
                                                   {"--tempo", "0"},
                                                   {"--tempo", "fast"},

@@ -174,10 +174,8 @@ struct Interruption : testing::Test {
             up = ScreenUser::await(ScreenUser::kDialog);
         }
         if (modal == Modal::question) {
-            constexpr int kName = 0x480;
             const HWND dialog = up;
-            SendDlgItemMessageW(dialog, kName, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(existing.c_str()));
-            ScreenUser::press(dialog, IDOK);
+            ScreenUser::typeFile(dialog, existing.wstring());
             EXPECT_TRUE(ScreenUser::until([&] { return !IsWindowEnabled(dialog); }));
             Sleep(100);
             EXPECT_TRUE(IsWindow(dialog));

@@ -75,16 +75,6 @@ struct Files : testing::Test {
         return asked;
     }
 
-    static HWND nameOf(HWND dialog) {
-        constexpr int kEdit = 0x480;
-        constexpr int kComboBox = 0x47C;
-        const HWND edit = GetDlgItem(dialog, kEdit);
-        return edit ? edit : GetDlgItem(dialog, kComboBox);
-    }
-    static void type(HWND dialog, const std::wstring& name) {
-        SendMessageW(nameOf(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
-        ScreenUser::press(dialog, IDOK);
-    }
     // The question that a file dialog asks: the other dialog.
     static HWND awaitQuestion(HWND dialog) {
         HWND question = nullptr;
@@ -107,8 +97,9 @@ struct Files : testing::Test {
             deeds(shown);
             const bool answered = ScreenUser::until([&] { return !IsWindow(shown); });
             EXPECT_TRUE(answered);
-            if (!answered) {
-                ScreenUser::press(shown, IDCANCEL);
+            while (const HWND left = ScreenUser::find(ScreenUser::kDialog)) {
+                ScreenUser::press(left, IDCANCEL);
+                Sleep(100);
             }
         });
         EXPECT_FALSE(dialog->poll());
@@ -118,6 +109,12 @@ struct Files : testing::Test {
 
 struct Menus : testing::Test, WindowListener {
     std::unique_ptr<Window> window = Window::openTopLevel("menus", {200, 100}, *this);
+    const HWND owner = reinterpret_cast<HWND>(window->nativeId());
+
+    Menus() {
+        SetForegroundWindow(owner); // the keyboard comes here
+        window->poll();
+    }
 
     static std::vector<MenuEntry> entries() {
         const auto entry = [](const char* caption, int command) {
@@ -157,7 +154,12 @@ struct Menus : testing::Test, WindowListener {
     std::optional<std::optional<int>> choose(const std::function<void(HWND)>& deeds) {
         std::optional<std::optional<int>> given;
         menu = PopupMenu::open(*window, {10, 10, 50, 20}, entries(), painter, [&](auto command) { given = command; });
-        const ScreenUser user([&] { deeds(ScreenUser::await(ScreenUser::kMenu)); });
+        const ScreenUser user([&] {
+            deeds(ScreenUser::await(ScreenUser::kMenu));
+            const bool answered = ScreenUser::until([] { return !ScreenUser::find(ScreenUser::kMenu); });
+            EXPECT_TRUE(answered);
+            PostMessageW(owner, answered ? WM_NULL : WM_CANCELMODE, 0, 0);
+        });
         EXPECT_FALSE(menu->poll());
         return given;
     }
@@ -250,10 +252,10 @@ TEST_F(Files, areOpened) {
             SendMessageW(filters, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
             kinds.push_back(text);
         }
-        type(dialog, L"none.kvmp"); // which must exist
+        ScreenUser::typeFile(dialog, L"none.kvmp"); // which must exist
         ScreenUser::press(awaitQuestion(dialog), IDOK);
         Sleep(200);
-        type(dialog, L"\u00E4"); // the extension is understood
+        ScreenUser::typeFile(dialog, L"\u00E4.kvmp");
     });
     ASSERT_TRUE(opened);
     EXPECT_EQ(opened->error, "");
@@ -267,18 +269,18 @@ TEST_F(Files, areSavedAndReplacedOnlyWhenTheUserSaysSo) {
     asked.fileName = "a/b:c.kvmp";
     std::wstring proposed;
     const auto saved = ask(asked, [&](HWND dialog) {
-        proposed = ScreenUser::textOf(nameOf(dialog));
-        type(dialog, L"old");
+        proposed = ScreenUser::textOf(ScreenUser::fileName(dialog));
+        ScreenUser::typeFile(dialog, L"old");
         ScreenUser::press(awaitQuestion(dialog), IDNO);
         Sleep(200);
-        type(dialog, L"new");
+        ScreenUser::typeFile(dialog, L"new");
     });
     EXPECT_EQ(proposed, L"a_b_c.kvmp");
     ASSERT_TRUE(saved);
     EXPECT_EQ(saved->file.filename(), "new.kvmp");
     EXPECT_TRUE(fs::equivalent(saved->file.parent_path(), folder));
     const auto replaced = ask(asked, [&](HWND dialog) {
-        type(dialog, L"old.kvmp");
+        ScreenUser::typeFile(dialog, L"old.kvmp");
         ScreenUser::press(awaitQuestion(dialog), IDYES);
     });
     ASSERT_TRUE(replaced);
@@ -365,7 +367,7 @@ TEST_F(Files, goWithTheirOwner) {
         const ScreenUser user([&] {
             const HWND shown = ScreenUser::await(ScreenUser::kDialog, L"Tr\u00E4ume");
             if (questioning) {
-                type(shown, L"old.kvmp");
+                ScreenUser::typeFile(shown, L"old.kvmp");
                 EXPECT_TRUE(awaitQuestion(shown));
             }
         });

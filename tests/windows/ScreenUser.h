@@ -63,6 +63,18 @@ public:
 
     static void press(HWND dialog, WORD button) { PostMessageW(dialog, WM_COMMAND, button, 0); }
 
+    // Of a file dialog.
+    static HWND fileName(HWND dialog) {
+        constexpr int kEdit = 0x480;
+        constexpr int kComboBox = 0x47C;
+        const HWND edit = GetDlgItem(dialog, kEdit);
+        return edit ? edit : GetDlgItem(dialog, kComboBox);
+    }
+    static void typeFile(HWND dialog, const std::wstring& name) {
+        SendMessageW(fileName(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+        press(dialog, IDOK);
+    }
+
     static void key(WORD code) {
         for (const DWORD what : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
             INPUT input{};

@@ -11,7 +11,7 @@
 namespace {
 
 struct Row {
-    const char* expression;
+    std::string expression;
     std::string result; // or class and message of the failure
 };
 
@@ -188,6 +188,11 @@ TEST(Expression, failsWithTheRightTextAtTheRightTime) {
         {"exp(1000)", runTime("Number overflow")},
         {"1e308 * 10", runTime("Number overflow")},
         {"1e309", runTime("Number overflow")},
+        {"1" + std::string(500, '0') + "e-50", runTime("Number overflow")},
+        {"0." + std::string(400, '0') + "1", "0"},
+        {"0." + std::string(400, '0') + "1e900", runTime("Number overflow")},
+        {"1e-99999999999999999999", "0"},
+        {"1e99999999999999999999", runTime("Number overflow")},
         {"\"1e309\" == 1", runTime("Number overflow")},
         {"\"1e-400\" + 0", "0"},
         {"1 + a", runTime("Invalid number: a")},

@@ -1,9 +1,10 @@
 #include "drawing/Colour.h"
 
+#include "zekt/NumberText.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -53,21 +54,13 @@ Colour hexColour(std::string_view text) {
 }
 
 double component(std::string_view kind, std::size_t position, std::string_view text) {
-    std::string_view digits = text;
-    if (digits.starts_with('+')) {
-        digits.remove_prefix(1);
-    }
     double value = 0.0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error == std::errc::result_out_of_range) { // too large, or merely too near to 0
-        value = std::strtod(std::string(digits).c_str(), nullptr);
-        if (std::isinf(value)) {
-            throw ColourError("Number overflow");
-        }
-    } else if (error != std::errc() || !std::isfinite(value)) {
-        throw ColourError("Invalid number: " + std::string(text));
-    }
-    if (end != digits.data() + digits.size()) {
+    switch (ZEKT::readNumber(text, value)) {
+    case ZEKT::Numeric::yes:
+        break;
+    case ZEKT::Numeric::overflow:
+        throw ColourError("Number overflow");
+    default:
         throw ColourError("Invalid number: " + std::string(text));
     }
     if (!(value >= 0.0 && value <= 1.0)) {

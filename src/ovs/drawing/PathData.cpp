@@ -1,8 +1,7 @@
 #include "drawing/PathData.h"
 
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
+#include "zekt/NumberText.h"
+
 #include <string>
 
 namespace Drawing {
@@ -153,13 +152,8 @@ private:
         if (length == 0) {
             fail();
         }
-        // from_chars takes no plus, and reports numbers too near to 0 the same way as numbers too far from it.
-        const char* first = *at_ == '+' ? at_ + 1 : at_;
-        const auto result = std::from_chars(first, at_ + length, value);
-        if (result.ec == std::errc::result_out_of_range) {
-            value = std::strtod(std::string(first, at_ + length).c_str(), nullptr);
-        }
-        if (!std::isfinite(value)) {
+        const std::string_view text(at_, static_cast<std::size_t>(length));
+        if (ZEKT::readNumber(text, value) != ZEKT::Numeric::yes) {
             fail();
         }
         at_ += length;

@@ -43,9 +43,6 @@ public:
                                                                  : agg::miter_join_revert),
           sink_{outline} {
         math_.width(std::min(pen.width, kWidest));
-        math_.line_cap(pen.caps == Caps::butt     ? agg::butt_cap
-                       : pen.caps == Caps::square ? agg::square_cap
-                                                  : agg::round_cap);
         math_.inner_join(agg::inner_jag);
         math_.miter_limit(pen.miterLimit);
         const double finest = kWidestFineStroke / pen.width;
@@ -73,11 +70,16 @@ public:
         } else if (closed && vertices_.size() > 2) {
             strokeClosed();
         } else {
-            strokeOpen();
+            // Closed, a line there and back: it ends in joints, which a miter for a half turn would make endless.
+            strokeOpen(!closed ? capOf(caps_) : joints_ == agg::round_join ? agg::round_cap : agg::butt_cap);
         }
     }
 
 private:
+    static agg::line_cap_e capOf(Caps caps) {
+        return caps == Caps::butt ? agg::butt_cap : caps == Caps::square ? agg::square_cap : agg::round_cap;
+    }
+
     struct Vertex : agg::vertex_dist {
         bool turn;
     };
@@ -116,8 +118,9 @@ private:
         }
     }
 
-    void strokeOpen() {
+    void strokeOpen(agg::line_cap_e cap) {
         const std::size_t n = vertices_.size();
+        math_.line_cap(cap);
         beginContour();
         math_.calc_cap(sink_, vertices_[0], vertices_[1], vertices_[0].dist);
         for (std::size_t i = 1; i + 1 < n; ++i) {
@@ -134,6 +137,7 @@ private:
         if (caps_ == Caps::butt) {
             return;
         }
+        math_.line_cap(capOf(caps_));
         const agg::vertex_dist left(p.x, p.y);
         const agg::vertex_dist right(p.x + 1.0, p.y);
         beginContour();

@@ -96,7 +96,7 @@ public:
         const FileDialogRequest request = std::move(request_);
         FileDialogAnswer answer;
         {
-            const ModalCall call(call_, ModalCall::Way::cancelCommand);
+            const ModalCall call(call_, reinterpret_cast<HWND>(request.parent), ModalCall::Way::cancelCommand);
             answer = ask(request);
             if (call.cancelled()) {
                 return false; // this dialog is no more

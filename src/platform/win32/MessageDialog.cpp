@@ -73,7 +73,7 @@ public:
         const std::wstring text = std::move(text_);
         int pressed = 0;
         {
-            const ModalCall call(call_, ModalCall::Way::endDialog);
+            const ModalCall call(call_, owner_, ModalCall::Way::endDialog);
             pressed = MessageBoxW(owner_, text.c_str(), title.c_str(), style_);
             if (call.cancelled()) {
                 return false; // this dialog is no more

@@ -23,11 +23,14 @@ bool opened(HWND dialog, HWND window) {
 
 } // namespace
 
-ModalCall::ModalCall(ModalCall*& slot, Way way)
-    : slot_(slot), way_(way), outer_(innermost),
-      hook_(SetWindowsHookExW(WH_CBT, &ModalCall::windowMade, nullptr, GetCurrentThreadId())) {
+ModalCall::ModalCall(ModalCall*& slot, HWND owner, Way way)
+    : slot_(slot), owner_(GetAncestor(owner, GA_ROOT)), way_(way), outer_(innermost),
+      hook_(SetWindowsHookExW(WH_CBT, &ModalCall::windowComesOrGoes, nullptr, GetCurrentThreadId())) {
     innermost = this;
     slot = this;
+    if (!IsWindowEnabled(owner_)) {
+        owner_ = nullptr;
+    }
 }
 
 ModalCall::~ModalCall() {
@@ -38,15 +41,20 @@ ModalCall::~ModalCall() {
     }
 }
 
-LRESULT CALLBACK ModalCall::windowMade(int code, WPARAM wide, LPARAM narrow) noexcept {
-    ModalCall* const call = innermost;
-    if (code == HCBT_CREATEWND && call && !call->dialog_) {
-        const auto window = reinterpret_cast<HWND>(wide);
+LRESULT CALLBACK ModalCall::windowComesOrGoes(int code, WPARAM wide, LPARAM narrow) noexcept {
+    const auto window = reinterpret_cast<HWND>(wide);
+    if (code == HCBT_CREATEWND && innermost && !innermost->dialog_) {
         const auto& making = *reinterpret_cast<const CBT_CREATEWNDW*>(narrow);
         if ((making.lpcs->style & WS_CHILD) == 0 && isDialog(window)) {
-            call->dialog_ = window;
-            if (call->cancelled_) { // before there was anything to see
+            innermost->dialog_ = window;
+            if (innermost->cancelled_) { // before there was anything to see
                 PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+            }
+        }
+    } else if (code == HCBT_DESTROYWND) {
+        for (const ModalCall* call = innermost; call; call = call->outer_) {
+            if (call->dialog_ && GetWindow(call->dialog_, GW_OWNER) == window) {
+                call->end();
             }
         }
     }
@@ -60,6 +68,7 @@ void ModalCall::cancel() {
     }
 }
 
+// The dialog's own code has to find its window when control comes back to it, so it must not go with its owner.
 void ModalCall::end() const {
     const auto endOpened = [](HWND window, LPARAM dialog) -> BOOL {
         const auto ours = reinterpret_cast<HWND>(dialog);
@@ -69,6 +78,9 @@ void ModalCall::end() const {
         return TRUE;
     };
     EnumThreadWindows(GetCurrentThreadId(), endOpened, reinterpret_cast<LPARAM>(dialog_));
+    EnableWindow(owner_, TRUE);
+    ShowWindow(dialog_, SW_HIDE);
+    SetWindowLongPtrW(dialog_, GWLP_HWNDPARENT, 0);
     if (way_ == Way::endDialog) {
         EndDialog(dialog_, IDCANCEL);
     } else {

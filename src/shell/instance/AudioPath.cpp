@@ -75,8 +75,12 @@ void AudioPath::process(const AudioBuffers& buffers, const HostTransport& host) 
         Engine::MidiEvent event = events_[i];
         event.sampleOffset = std::clamp(event.sampleOffset, position, std::max(buffers.samples, position));
         const Model::MidiMessage message = {event.status, event.data1, event.data2};
-        learn(message);
-        const Model::MidiRoute route = router_.route(mapping_, message);
+        const bool teaches = learn(message);
+        Model::MidiRoute route = router_.route(mapping_, message);
+        if (teaches) { // and does nothing that it has been assigned to before
+            route.parameter = Model::ControllerAssignments::kNoParameter;
+            route.program = -1;
+        }
         if (route.parameter >= 0 || route.program >= 0) {
             runTo(buffers, position, event.sampleOffset);
             apply(route);
@@ -202,18 +206,20 @@ std::optional<LearnedMidi> AudioPath::takeLearned() noexcept {
                                  : LearnedMidi{LearnedMidi::Kind::key, learned - kLearnedKey};
 }
 
-void AudioPath::learn(Model::MidiMessage message) noexcept {
+bool AudioPath::learn(Model::MidiMessage message) noexcept {
     if (!learning_.load(std::memory_order_relaxed) || !mapping_.hearsChannel(message.status & 15)) {
-        return;
+        return false;
     }
     const int kind = message.status & 0xF0;
     const int number = message.data1 & 127;
     int nothing = kNothingLearned;
     if (kind == 0xB0 && number < kFirstModeMessage) {
-        learned_.compare_exchange_strong(nothing, number, std::memory_order_relaxed);
-    } else if (kind == 0x90 && (message.data2 & 127) > 0) {
-        learned_.compare_exchange_strong(nothing, kLearnedKey + number, std::memory_order_relaxed);
+        return learned_.compare_exchange_strong(nothing, number, std::memory_order_relaxed);
     }
+    if (kind == 0x90 && (message.data2 & 127) > 0) {
+        return learned_.compare_exchange_strong(nothing, kLearnedKey + number, std::memory_order_relaxed);
+    }
+    return false;
 }
 
 } // namespace Shell

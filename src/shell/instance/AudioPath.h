@@ -78,7 +78,7 @@ private:
     void forget() noexcept;
     bool takeEvents() noexcept; // true: some were lost on the way
     void sortIn(const Engine::MidiEvent& event) noexcept;
-    void learn(Model::MidiMessage message) noexcept;
+    bool learn(Model::MidiMessage message) noexcept; // true: it is what will be learned
     void apply(const Model::MidiRoute& route) noexcept;
     void runTo(const AudioBuffers& buffers, int& position, int end) noexcept;
     Engine::Block blockAt(int position) const noexcept;
