@@ -116,20 +116,23 @@ std::filesystem::path withExtension(std::filesystem::path file, const Bridge::Fi
 }
 
 // Polls what `open` holds. Meanwhile its answer may open another in its place, and setWindow may take it away.
-template <typename Dialog> void pollOne(std::shared_ptr<Dialog>& open) {
+template <typename Dialog> void pollOne(std::shared_ptr<Dialog>& open, bool& waiting) {
     if (!open) {
         return;
     }
     const std::weak_ptr<Dialog> current = open;
     const auto closeIfThere = [&] {
+        waiting = false;
         if (!current.expired()) {
             open.reset();
         }
     };
+    waiting = true;
     try {
         if (!open->poll()) {
             closeIfThere();
         }
+        waiting = false;
     } catch (...) {
         closeIfThere();
         throw;
@@ -165,7 +168,11 @@ void EditorDesktop::showNextMessage() {
     waiting_.pop_front();
     dialog_ = Platform::MessageDialog::open(
         nativeWindow(), std::string(Model::kProductName), next.message.text, setOf(next.message.buttons),
-        painter_, [answer = next.answer](MessageAnswer given) { answer(buttonOf(given)); },
+        painter_,
+        [this, answer = next.answer](MessageAnswer given) {
+            waitsForUser_ = false;
+            answer(buttonOf(given));
+        },
         static_cast<int>(next.message.defaultButton));
 }
 
@@ -177,7 +184,11 @@ void EditorDesktop::popUpMenu(const std::vector<Quilt::MenuItem>& items,
     }
     const Platform::Rect place = anchor ? Platform::Rect{anchor->left, anchor->top, anchor->width, anchor->height}
                                         : Platform::Rect{mouse_.x, mouse_.y, 0, 0};
-    menu_ = Platform::PopupMenu::open(*window_, place, entriesOf(items), painter_, std::move(chosen));
+    menu_ = Platform::PopupMenu::open(*window_, place, entriesOf(items), painter_,
+                                      [this, chosen = std::move(chosen)](std::optional<int> command) {
+                                          waitsForUser_ = false;
+                                          chosen(command);
+                                      });
 }
 
 void EditorDesktop::launch(const std::string& address) {
@@ -206,6 +217,7 @@ void EditorDesktop::chooseFile(const Bridge::FileQuestion& question, Bridge::Env
     files_ = Platform::FileDialog::open(
         requestOf(question, nativeWindow()),
         [this, question, chosen = std::move(chosen)](const Platform::FileDialogAnswer& answer) {
+            waitsForUser_ = false;
             const auto answered = std::move(files_); // what follows may want another
             if (!answer.error.empty()) {
                 failed_(answer.error);
@@ -245,15 +257,9 @@ void EditorDesktop::take(const std::filesystem::path& answer, const Bridge::File
 }
 
 void EditorDesktop::poll() {
-    struct Polling {
-        explicit Polling(bool& flag) : flag_(flag) { flag_ = true; }
-        ~Polling() { flag_ = false; }
-        bool& flag_;
-    };
-    const Polling polling(polling_);
-    pollOne(menu_);
-    pollOne(files_);
-    pollOne(dialog_);
+    pollOne(menu_, waitsForUser_);
+    pollOne(files_, waitsForUser_);
+    pollOne(dialog_, waitsForUser_);
     if (!dialog_) {
         showNextMessage();
     }

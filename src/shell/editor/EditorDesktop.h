@@ -38,7 +38,8 @@ public:
 
     // Answers what has been answered on the screen. The desktop must outlive the call.
     void poll();
-    bool polling() const { return polling_; }
+    // It is in a call that waits for the user, and nothing else is under way.
+    bool waitsForUser() const { return waitsForUser_; }
 
     // The mouse is where menus without an anchor belong.
     void setMouse(Platform::Point at) { mouse_ = at; }
@@ -63,7 +64,7 @@ private:
     std::shared_ptr<Platform::MessageDialog> dialog_;
     std::shared_ptr<Platform::FileDialog> files_;
     std::deque<WaitingMessage> waiting_; // one box at a time
-    bool polling_ = false;
+    bool waitsForUser_ = false;
 };
 
 } // namespace Shell

@@ -106,6 +106,17 @@ Platform::Rect united(const Platform::Rect& a, const Platform::Rect& b) {
             std::max(a.y + a.height, b.y + b.height) - top};
 }
 
+class Raised {
+public:
+    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Raised() { flag_ = false; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+
+private:
+    bool& flag_;
+};
+
 } // namespace
 
 EditorSession::EditorSession(EffectInstance& effect)
@@ -185,19 +196,13 @@ void EditorSession::idle() {
     if (finished_) {
         return;
     }
-    if (std::exchange(idling_, true)) {
-        if (desktop_.polling()) { // something modal has let the host through: the editor lives on behind it
-            live();
-        }
-        return;
-    }
-    try {
+    if (!idling_) {
+        const Raised flag(idling_);
         idleOnce();
-    } catch (...) {
-        idling_ = false;
-        throw;
+    } else if (desktop_.waitsForUser() && !living_) { // something modal has let the host through
+        const Raised flag(living_);
+        live();
     }
-    idling_ = false;
 }
 
 void EditorSession::idleOnce() {

@@ -116,6 +116,7 @@ private:
     std::optional<Platform::UpdateCheck> updates_;
     int stays_ = 0;
     bool idling_ = false;
+    bool living_ = false; // while something modal keeps it idling
     bool finished_ = false;
 };
 
