@@ -43,10 +43,10 @@ std::string sized(const std::string& text) {
 }
 
 std::string zlib(const std::string& content) {
-    uLongf size = compressBound(content.size());
+    const auto length = static_cast<uLong>(content.size());
+    uLongf size = compressBound(length);
     std::string result(size, '\0');
-    compress(reinterpret_cast<Bytef*>(result.data()), &size, reinterpret_cast<const Bytef*>(content.data()),
-             content.size());
+    compress(reinterpret_cast<Bytef*>(result.data()), &size, reinterpret_cast<const Bytef*>(content.data()), length);
     result.resize(size);
     return result;
 }
