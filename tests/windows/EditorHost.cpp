@@ -2,6 +2,8 @@
 // picture of the screen, lets go of everything, and does so again and again.
 //   editor_host PLUGIN PICTURE RELOADS
 // Exit 0: all was as it should be. 1: the lines say what was not.
+#include "ScreenUser.h"
+
 #include "platform/LoadedLibrary.h"
 #include "vst2abi/Vst2.h"
 
@@ -158,33 +160,14 @@ HWND openParent(SIZE size) {
     return window;
 }
 
-void pointer(DWORD what, POINT onScreen) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = MulDiv(onScreen.x, 65536, GetSystemMetrics(SM_CXSCREEN)) + 1;
-    input.mi.dy = MulDiv(onScreen.y, 65536, GetSystemMetrics(SM_CYSCREEN)) + 1;
-    input.mi.dwFlags = MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE | what;
-    SendInput(1, &input, sizeof input);
-}
-
-void key(WORD code) {
-    for (const DWORD what : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
-        INPUT input{};
-        input.type = INPUT_KEYBOARD;
-        input.ki.wVk = code;
-        input.ki.dwFlags = what;
-        SendInput(1, &input, sizeof input);
-    }
-}
-
 // A click on the knob gives it the keyboard.
 void testKeysAndWheel(Plugin& plugin, POINT knob) {
-    pointer(MOUSEEVENTF_LEFTDOWN, knob);
+    ScreenUser::pointer(MOUSEEVENTF_LEFTDOWN, knob);
     plugin.run(50);
-    pointer(MOUSEEVENTF_LEFTUP, knob);
+    ScreenUser::pointer(MOUSEEVENTF_LEFTUP, knob);
     plugin.run(50);
     const float dragged = plugin.get(kPitch);
-    key(VK_DOWN);
+    ScreenUser::key(VK_DOWN);
     plugin.run(100);
     const float lowered = plugin.get(kPitch);
     expect(lowered < dragged, "the down key lowers the knob");
@@ -199,21 +182,20 @@ void testKeysAndWheel(Plugin& plugin, POINT knob) {
 
 // The system's menu keeps the host's thread until it is answered, so the user is another one.
 void testMenu(Plugin& plugin, HWND parent) {
-    constexpr const wchar_t* kMenu = L"#32768"; // the class of all menus
     POINT at = kMenuButton;
     ClientToScreen(parent, &at);
     std::atomic<bool> seen{false};
     std::thread user([&] {
-        pointer(0, at);
+        ScreenUser::pointer(0, at);
         Sleep(200);
-        pointer(MOUSEEVENTF_LEFTDOWN, at);
-        pointer(MOUSEEVENTF_LEFTUP, at);
+        ScreenUser::pointer(MOUSEEVENTF_LEFTDOWN, at);
+        ScreenUser::pointer(MOUSEEVENTF_LEFTUP, at);
         for (int i = 0; i < 100 && !seen; ++i) {
             Sleep(100);
-            seen = FindWindowW(kMenu, nullptr) != nullptr;
+            seen = FindWindowW(ScreenUser::kMenu, nullptr) != nullptr;
         }
         Sleep(200);
-        key(VK_ESCAPE);
+        ScreenUser::key(VK_ESCAPE);
     });
     const DWORD start = GetTickCount();
     while (!seen && GetTickCount() - start < 12'000) {
@@ -222,7 +204,7 @@ void testMenu(Plugin& plugin, HWND parent) {
     user.join();
     plugin.run(100);
     expect(seen, "the menu is the system's");
-    expect(FindWindowW(kMenu, nullptr) == nullptr, "escape closes the menu");
+    expect(FindWindowW(ScreenUser::kMenu, nullptr) == nullptr, "escape closes the menu");
 }
 
 void testEditor(const char* file, const char* pictureFile) {
@@ -240,15 +222,15 @@ void testEditor(const char* file, const char* pictureFile) {
 
     POINT at = kKnob;
     ClientToScreen(parent, &at);
-    pointer(0, at);
+    ScreenUser::pointer(0, at);
     plugin.run(50);
-    pointer(MOUSEEVENTF_LEFTDOWN, at);
+    ScreenUser::pointer(MOUSEEVENTF_LEFTDOWN, at);
     plugin.run(50);
     for (int step = 1; step <= 9; ++step) {
-        pointer(0, {at.x, at.y - kDragUp * step / 9});
+        ScreenUser::pointer(0, {at.x, at.y - kDragUp * step / 9});
         plugin.run(20);
     }
-    pointer(MOUSEEVENTF_LEFTUP, {at.x, at.y - kDragUp});
+    ScreenUser::pointer(MOUSEEVENTF_LEFTUP, {at.x, at.y - kDragUp});
     plugin.run(100);
     expect(std::abs(plugin.get(kPitch) - 0.8f) < 0.1f,
            "the knob was dragged: " + std::to_string(plugin.get(kPitch)));
