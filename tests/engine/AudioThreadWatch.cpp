@@ -1,18 +1,12 @@
 #include "AudioThreadWatch.h"
 
+#include "../Sanitizers.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <new>
 #include <pthread.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define MURMELON_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define MURMELON_SANITIZED 1
-#endif
-#endif
 
 namespace AudioThreadWatch {
 

@@ -1,4 +1,5 @@
 // What the plug-in answers its host, and how it bears hosts that are not as they should be.
+#include "../Sanitizers.h"
 #include "PluginHost.h"
 
 #include <gmock/gmock.h>
@@ -15,14 +16,6 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define MURMELON_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define MURMELON_SANITIZED 1
-#endif
 #endif
 
 using namespace Vst2;

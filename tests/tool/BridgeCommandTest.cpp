@@ -217,8 +217,9 @@ TEST_F(BridgeCommandTest, FactoryPatchesAreThereWhenAskedFor) {
         {"do switchPatch { step: -1 }", "host: updateDisplay\nok"},
         {"get patch.name", "\"Blown Alias\""},
     });
-    // What the user has thrown away stays away.
     const auto factory = folder_ / "Korvanta" / "Murmelon Patches";
+    EXPECT_THAT(CommandRun::contentsOf(factory / "16 MIDI In.kvmp"), HasSubstr("modified: false"));
+    // What the user has thrown away stays away.
     std::filesystem::remove(factory / "16 MIDI In.kvmp");
     expectDialogue({{"set instance.menuAnswer \"Go to Factory Patches\"", "ok"}, {"do choosePatch", "ok"}});
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(factory), {}), 15);
